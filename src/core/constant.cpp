@@ -1,0 +1,3 @@
+#include "core/constant.h"
+
+Constant::Constant() = default;

@@ -1,0 +1,19 @@
+// A host as small as it gets: links the installed library and uses its
+// vocabulary, conversions and icon bundle.
+#include <core/convert.h>
+#include <core/core.h>
+
+#include <QGuiApplication>
+#include <QIcon>
+
+int main(int argc, char **argv)
+{
+    QGuiApplication app(argc, argv);
+    if (Core::alarmStr(Core::ALARM_MAJOR) != QLatin1String("Major"))
+        return 1;
+    if (Convert::crc32(QStringLiteral("123456789")).toHex() != "cbf43926")
+        return 2;
+    if (QIcon(QStringLiteral("://images/no_icon.png")).isNull())
+        return 3;
+    return 0;
+}
