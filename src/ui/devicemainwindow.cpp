@@ -145,21 +145,19 @@ void DeviceMainWindow::addPanel(QString path, QWidget *widget)
         if (part == leaf) {
             next->setData(panelCount, PageIndexRole);
             next->setData(path, PagePathRole);
-            panels.insert(panelCount, widget);
-            ui->swgtInterface->insertWidget(panelCount, widget);
-            ++panelCount;
             // A page the host deletes itself must not be shown afterwards.
-            connect(
-                widget, &QObject::destroyed, this,
-                [this](QObject *gone) {
+            if (panels.key(widget, -1) == -1)
+                connect(widget, &QObject::destroyed, this, [this](QObject *gone) {
                     for (auto it = panels.begin(); it != panels.end();) {
                         if (it.value() == gone)
                             it = panels.erase(it);
                         else
                             ++it;
                     }
-                },
-                Qt::UniqueConnection);
+                });
+            panels.insert(panelCount, widget);
+            ui->swgtInterface->insertWidget(panelCount, widget);
+            ++panelCount;
         } else {
             next->setData(-1, PageIndexRole);
         }

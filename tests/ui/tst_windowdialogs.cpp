@@ -8,13 +8,11 @@
 #include <QtTest>
 
 #include <QCheckBox>
-#include <QDateTimeEdit>
 #include <QDialogButtonBox>
 #include <QFileDialog>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QSpinBox>
 #include <QToolButton>
 
 // The four small dialogs of the configuration window, each on its own.
@@ -24,12 +22,8 @@ class tst_WindowDialogs : public QObject
 private slots:
     void forms_data();
     void forms();
-    void dateTimeFollowsEditor();
     void loadSettingsPicksFile_data();
     void loadSettingsPicksFile();
-    void periodIsClamped_data();
-    void periodIsClamped();
-    void checkBoxes();
 };
 
 static QDialog *create(const QString &name)
@@ -103,20 +97,6 @@ void tst_WindowDialogs::forms()
         QVERIFY(!(flags & (Qt::WindowContextHelpButtonHint | Qt::WindowMinMaxButtonsHint)));
 }
 
-void tst_WindowDialogs::dateTimeFollowsEditor()
-{
-    const QDateTime before = QDateTime::currentDateTime();
-    DatetimeDialog dialog;
-    auto *editor = dialog.findChild<QDateTimeEdit *>(QStringLiteral("dateTimeEdit"));
-    QVERIFY(editor && editor->calendarPopup());
-    QVERIFY(dialog.dateTime() >= before && dialog.dateTime() <= QDateTime::currentDateTime());
-    QCOMPARE(dialog.dateTime(), editor->dateTime());
-
-    const QDateTime picked(QDate(2020, 2, 29), QTime(23, 59, 58));
-    editor->setDateTime(picked);
-    QCOMPARE(dialog.dateTime(), picked);
-}
-
 void tst_WindowDialogs::loadSettingsPicksFile_data()
 {
     QTest::addColumn<QString>("extension");
@@ -161,47 +141,6 @@ void tst_WindowDialogs::loadSettingsPicksFile()
     QCOMPARE(filters, QStringList(QStringLiteral("Device settings file(*.%1)").arg(extension)));
     QCOMPARE(dialog.getPath(), pick ? file.fileName() : dir.path());
     QCOMPARE(dialog.findChild<QLineEdit *>(QStringLiteral("lePath"))->text(), dialog.getPath());
-}
-
-void tst_WindowDialogs::periodIsClamped_data()
-{
-    QTest::addColumn<int>("period");
-    QTest::addColumn<int>("shown");
-
-    QTest::newRow("lowest") << 1 << 1;
-    QTest::newRow("highest") << 120 << 120;
-    QTest::newRow("zero") << 0 << 1;
-    QTest::newRow("negative") << -5 << 1;
-    QTest::newRow("too long") << 121 << 120;
-}
-
-void tst_WindowDialogs::periodIsClamped()
-{
-    QFETCH(int, period);
-    QFETCH(int, shown);
-    StatAutoRefreshDialog dialog;
-    dialog.setPeriod(period);
-    QCOMPARE(dialog.getPeriod(), shown);
-    QCOMPARE(dialog.findChild<QSpinBox *>(QStringLiteral("sbxPeriod"))->value(), shown);
-}
-
-void tst_WindowDialogs::checkBoxes()
-{
-    LoadSettingsDialog load;
-    auto *notLoad = load.findChild<QCheckBox *>(QStringLiteral("chbNotLoad"));
-    QVERIFY(notLoad && !load.getNotLoadAddresses());
-    load.setNotLoadAddresses(true);
-    QVERIFY(notLoad->isChecked());
-    notLoad->click();
-    QVERIFY(!load.getNotLoadAddresses());
-
-    ResetSettingsDialog reset;
-    auto *notReset = reset.findChild<QCheckBox *>(QStringLiteral("chbNotReset"));
-    QVERIFY(notReset && !reset.getNotResetAddresses());
-    reset.setNotResetAddresses(true);
-    QVERIFY(notReset->isChecked());
-    notReset->click();
-    QVERIFY(!reset.getNotResetAddresses());
 }
 
 QTEST_MAIN(tst_WindowDialogs)
