@@ -16,8 +16,6 @@
 
 using KeyList = QList<unsigned short>;
 
-Q_DECLARE_METATYPE(KeyList)
-
 namespace {
 constexpr int KeyRole = Qt::UserRole + 1;
 
@@ -34,38 +32,30 @@ QStringList rowTexts(QStandardItem *parent)
     return texts;
 }
 
+TestDevice *named(const QString &name, const QString &address = QString())
+{
+    auto *device = new TestDevice(address);
+    device->setParameter(DeviceDescriptor::DP_NAME, name);
+    return device;
+}
+
 // Processor time of this thread: the machine is shared, so wall time says
 // more about the neighbours than about the map.
-class CpuClock
+qint64 cpuMs()
 {
-public:
-    void start() { begin = now(); }
-    qint64 restart()
-    {
-        const qint64 t = now();
-        const qint64 elapsed = t - begin;
-        begin = t;
-        return elapsed;
-    }
-
-private:
-    static qint64 now()
-    {
 #if defined(Q_OS_UNIX)
-        timespec ts {};
-        clock_gettime(CLOCK_THREAD_CPUTIME_ID, &ts);
-        return qint64(ts.tv_sec) * 1000 + ts.tv_nsec / 1000000;
+    timespec ts {};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &ts);
+    return qint64(ts.tv_sec) * 1000 + ts.tv_nsec / 1000000;
 #else
-        return QDateTime::currentMSecsSinceEpoch();
+    return QDateTime::currentMSecsSinceEpoch();
 #endif
-    }
-    qint64 begin = 0;
-};
+}
 
 #if defined(__SANITIZE_ADDRESS__)
-constexpr int TimeBudgetMs = 5000;
+constexpr qint64 TimeBudgetMs = 5000;
 #else
-constexpr int TimeBudgetMs = 1000;
+constexpr qint64 TimeBudgetMs = 1000;
 #endif
 } // namespace
 
@@ -73,156 +63,95 @@ class tst_Map : public QObject
 {
     Q_OBJECT
 private slots:
-    void keysCountUpAndWrap();
-    void explicitKeyTakesOver();
-    void refusesNullAndRepeatedDescriptor();
-    void unitNeverUnderUnit();
-    void groupFromSelection();
+    void keys();
+    void groupTree();
     void findItemCutsToSixteenBits();
-    void renameItem();
     void removeGroupWithNestedUnits();
-    void deleteDevice();
     void containsAddress_data();
     void containsAddress();
-    void containsWithName();
     void requestRoundTrip();
-    void answerRunsOnlyFromEventLoop();
     void answerForRemovedUnitIsDropped();
     void relays_data();
     void relays();
-    void removedUnitIsNoLongerRelayed();
     void addressCheckCycle();
-    void scanEmptyMap();
     void scanThreeUnits();
-    void scanEndsAtBusyKey();
-    void scanEndsAtDepartedKey();
-    void stopScan();
+    void scanEndsEarly();
     void alarms();
-    void serialStateRouted();
-    void metaObjects();
+    void metaObjectOrder();
     void scale();
 };
 
-void tst_Map::keysCountUpAndWrap()
+void tst_Map::keys()
 {
     Map map;
-    QSignalSpy count(&map, &Map::activeDeviceCountChanged);
     QList<TestDevice *> devices;
-    for (int i = 0; i < 6; ++i)
+    for (int i = 0; i < 8; ++i)
         devices << new TestDevice;
+    QSignalSpy count(&map, &Map::activeDeviceCountChanged);
+
     QCOMPARE(map.addItem(QModelIndex(), devices[0], {}), (unsigned short)1);
-    QCOMPARE(map.addItem(QModelIndex(), devices[1], {}), (unsigned short)2);
-    QCOMPARE(count.count(), 2);
-    QCOMPARE(count.at(1).at(0).toUInt(), 2u);
-
-    QCOMPARE(map.addItem(QModelIndex(), devices[2], 65535, {}), (unsigned short)65535);
-    QCOMPARE(map.addItem(QModelIndex(), devices[3], {}), (unsigned short)0);
-    QCOMPARE(map.addItem(QModelIndex(), devices[4], {}), (unsigned short)1);
-    // Key 1 was taken over: four units, five rows.
-    QCOMPARE(map.getDeviceCount(), 4);
-    QCOMPARE(map.getModel()->rowCount(), 5);
-
+    QCOMPARE(map.addItem(QModelIndex(), devices[1], 100, {}), (unsigned short)100);
+    QCOMPARE(map.addItem(QModelIndex(), devices[2], 40, {}), (unsigned short)40);
+    QCOMPARE(map.addItem(QModelIndex(), devices[3], {}), (unsigned short)41);
+    QCOMPARE(map.addItem(QModelIndex(), devices[4], 65535, {}), (unsigned short)65535);
+    QCOMPARE(map.addItem(QModelIndex(), devices[5], {}), (unsigned short)0);
+    // Key 1 is taken over: the registry keeps six units, the tree gets a seventh row.
     const QVector<QString> strings {QStringLiteral("a"), QStringLiteral("b")};
-    const unsigned short key = map.addItem(QModelIndex(), devices[5], strings);
-    QCOMPARE(map.getMapItem(key)->getStrings(), strings);
-    QCOMPARE(map.getMapItem(key)->getKey(), uint(key));
-    QCOMPARE(map.getMapItem(key)->getFirstNumber(), 0.0);
-    QCOMPARE(map.getMapItem(key)->getSecondNumber(), 0.0);
-    QCOMPARE(map.getMapItem(key)->parent(), &map);
-    QCOMPARE(map.getDevice(1), devices[4]);
+    QCOMPARE(map.addItem(QModelIndex(), devices[6], strings), (unsigned short)1);
+    QCOMPARE(map.getDevice(1), devices[6]);
+    QCOMPARE(map.getDeviceCount(), 6);
+    QCOMPARE(map.getModel()->rowCount(), 7);
+    QCOMPARE(map.getItemIndex(1).row(), 0);
+    QCOMPARE(count.count(), 7);
+    QCOMPARE(count.last().at(0).toUInt(), 6u);
+
+    DeviceMapItem *item = map.getMapItem(1);
+    QCOMPARE(item->getStrings(), strings);
+    QCOMPARE(item->getKey(), 1u);
+    QCOMPARE(item->getFirstNumber(), 0.0);
+    QCOMPARE(item->parent(), &map);
+
+    // Null and already registered descriptors are refused.
+    QCOMPARE(map.addItem(QModelIndex(), nullptr, {}), (unsigned short)0);
+    QCOMPARE(map.addItem(QModelIndex(), devices[3], {}), (unsigned short)0);
+    QCOMPARE(map.getModel()->rowCount(), 7);
     qDeleteAll(devices);
 }
 
-void tst_Map::explicitKeyTakesOver()
+void tst_Map::groupTree()
 {
     Map map;
-    auto *hundred = new TestDevice;
-    auto *forty = new TestDevice;
-    map.addItem(QModelIndex(), hundred, 100, {});
-    map.addItem(QModelIndex(), forty, 40, {});
-    auto *next = new TestDevice;
-    QCOMPARE(map.addItem(QModelIndex(), next, {}), (unsigned short)41);
-
-    auto *replacement = new TestDevice;
-    QCOMPARE(map.addItem(QModelIndex(), replacement, 100, {}), (unsigned short)100);
-    QCOMPARE(map.getDevice(100), replacement);
-    QCOMPARE(map.getDeviceCount(), 3);
-    QCOMPARE(map.getModel()->rowCount(), 4);
-    QCOMPARE(map.getModel()->item(0)->data(KeyRole).toInt(), 100);
-    QCOMPARE(map.getModel()->item(3)->data(KeyRole).toInt(), 100);
-    // The first row with the key is the one found.
-    QCOMPARE(map.getItemIndex(100).row(), 0);
-
-    delete hundred;
-    delete forty;
-    delete next;
-    delete replacement;
-}
-
-void tst_Map::refusesNullAndRepeatedDescriptor()
-{
-    Map map;
-    QCOMPARE(map.addItem(QModelIndex(), nullptr, {}), (unsigned short)0);
-    auto *device = new TestDevice;
-    QCOMPARE(map.addItem(QModelIndex(), device, {}), (unsigned short)1);
-    QCOMPARE(map.addItem(QModelIndex(), device, {}), (unsigned short)0);
-    QCOMPARE(map.getDeviceCount(), 1);
-    QCOMPARE(map.getModel()->rowCount(), 1);
-    delete device;
-}
-
-void tst_Map::unitNeverUnderUnit()
-{
-    Map map;
-    auto *first = new TestDevice;
-    first->setParameter(DeviceDescriptor::DP_NAME, QStringLiteral("First"));
-    map.addItem(QModelIndex(), first, {});
-    QStandardItem *group = map.addGroup(QModelIndex(), QStringLiteral("Site A"));
-    QCOMPARE(group->data(KeyRole).toInt(), -1);
-    QVERIFY(!group->icon().isNull());
-
-    auto *inside = new TestDevice;
-    inside->setParameter(DeviceDescriptor::DP_NAME, QStringLiteral("Inside"));
-    const unsigned short insideKey = map.addItem(group->index(), inside, {});
-    // With a unit selected the new unit and group go beside it.
-    auto *beside = new TestDevice;
-    beside->setParameter(DeviceDescriptor::DP_NAME, QStringLiteral("Beside"));
-    map.addItem(map.getItemIndex(insideKey), beside, {});
-    map.addGroup(map.getItemIndex(insideKey), QStringLiteral("Sub"));
-    // A top-level unit's siblings are at the top level.
-    auto *top = new TestDevice;
-    top->setParameter(DeviceDescriptor::DP_NAME, QStringLiteral("Top"));
-    map.addItem(map.getItemIndex(1), top, {});
-
     QStandardItem *root = map.getModel()->invisibleRootItem();
-    QCOMPARE(rowTexts(root), (QStringList {"First", "Site A", "Top"}));
-    QCOMPARE(rowTexts(group), (QStringList {"Inside", "Beside", "Sub"}));
-    QCOMPARE(root->child(0)->data(KeyRole).toInt(), 1);
+    map.addItem(QModelIndex(), named("First"), {});
+    QStandardItem *site = map.addGroup(QModelIndex(), QStringLiteral("Site"));
+    QCOMPARE(site->data(KeyRole).toInt(), -1);
+    const unsigned short inside = map.addItem(site->index(), named("Inside"), {});
+    // With a unit selected, units and groups go beside it, never under it.
+    map.addItem(map.getItemIndex(inside), named("Beside"), {});
+    map.addGroup(map.getItemIndex(inside), QStringLiteral("Sub"));
+    map.addItem(map.getItemIndex(1), named("Top"), {});
+
+    QItemSelectionModel selection(map.getModel());
+    QCOMPARE(map.addItem(&selection, QStringLiteral("Unselected")), (unsigned short)4);
+    selection.setCurrentIndex(site->index(), QItemSelectionModel::ClearAndSelect);
+    map.addItem(&selection, QStringLiteral("In site"));
+    selection.setCurrentIndex(map.getItemIndex(1), QItemSelectionModel::ClearAndSelect);
+    map.addItem(&selection, QStringLiteral("Beside first"));
+
+    QCOMPARE(rowTexts(root), (QStringList {"First", "Site", "Top", "Unselected", "Beside first"}));
+    QCOMPARE(rowTexts(site), (QStringList {"Inside", "Beside", "Sub", "In site"}));
     QCOMPARE(root->child(0)->rowCount(), 0);
     QVERIFY(!root->child(0)->icon().isNull());
 
-    for (unsigned short k : map.getDeviceIdList())
-        delete map.getDevice(k);
-}
-
-void tst_Map::groupFromSelection()
-{
-    Map map;
-    QItemSelectionModel selection(map.getModel());
-    QStandardItem *group = map.addGroup(QModelIndex(), QStringLiteral("G"));
-    map.addItem(group->index(), new TestDevice, 7, {});
-
-    QCOMPARE(map.addItem(&selection, QStringLiteral("Top")), (unsigned short)7);
-    selection.setCurrentIndex(group->index(), QItemSelectionModel::ClearAndSelect);
-    map.addItem(&selection, QStringLiteral("In G"));
-    selection.setCurrentIndex(map.getItemIndex(7), QItemSelectionModel::ClearAndSelect);
-    map.addItem(&selection, QStringLiteral("Beside 7"));
-    map.addItem(nullptr, QStringLiteral("No selection model"));
-
-    QCOMPARE(rowTexts(map.getModel()->invisibleRootItem()), (QStringList {"G", "Top", "No selection model"}));
-    QCOMPARE(rowTexts(group), (QStringList {"No Name", "In G", "Beside 7"}));
-    QCOMPARE(map.getDeviceCount(), 1);
-    delete map.getDevice(7);
+    map.renameItem(map.getItemIndex(inside), QStringLiteral("Exchange"));
+    map.renameItem(site->index(), QStringLiteral("Region"));
+    map.renameItem(QModelIndex(), QStringLiteral("ignored"));
+    QCOMPARE(site->child(0)->text(), QStringLiteral("Exchange"));
+    QCOMPARE(map.getDevice(inside)->getParameter(DeviceDescriptor::DP_NAME).toString(),
+        QStringLiteral("Exchange"));
+    QCOMPARE(site->text(), QStringLiteral("Region"));
+    for (unsigned short key : map.getDeviceIdList())
+        delete map.getDevice(key);
 }
 
 void tst_Map::findItemCutsToSixteenBits()
@@ -233,54 +162,28 @@ void tst_Map::findItemCutsToSixteenBits()
     map.addItem(QModelIndex(), device, 3, {});
     QStandardItem *outer = map.addGroup(QModelIndex(), QStringLiteral("Outer"));
     QStandardItem *inner = map.addGroup(outer->index(), QStringLiteral("Inner"));
-    map.addGroup(QModelIndex(), QStringLiteral("Later"));
 
     QCOMPARE(map.findItem(root, 65535), outer);
-    QCOMPARE(map.findItem(outer, 65535), outer);
     QCOMPARE(map.findItem(inner, 65535), inner);
     QCOMPARE(map.findItem(root, 0), root);
     QCOMPARE(map.findItem(root, 3), root->child(0));
     QCOMPARE(map.findItem(root, 4), nullptr);
-    QCOMPARE(map.findItem(nullptr, 3), nullptr);
     QCOMPARE(map.getItemIndex(65535), outer->index());
     QVERIFY(!map.getItemIndex(0).isValid());
-    QVERIFY(!map.getItemIndex(4).isValid());
-
-    KeyList keys;
-    map.getGroupItemList(QModelIndex(), keys);
-    QVERIFY(keys.isEmpty());
-    map.getGroupItemList(outer->index(), keys);
-    QVERIFY(keys.isEmpty());
-    delete device;
-}
-
-void tst_Map::renameItem()
-{
-    Map map;
-    auto *device = new TestDevice;
-    map.addItem(QModelIndex(), device, 9, {});
-    QStandardItem *group = map.addGroup(QModelIndex(), QStringLiteral("G"));
-
-    map.renameItem(map.getItemIndex(9), QStringLiteral("Exchange 9"));
-    QCOMPARE(map.getModel()->item(0)->text(), QStringLiteral("Exchange 9"));
-    QCOMPARE(device->getParameter(DeviceDescriptor::DP_NAME).toString(), QStringLiteral("Exchange 9"));
-
-    map.renameItem(group->index(), QStringLiteral("Region"));
-    QCOMPARE(group->text(), QStringLiteral("Region"));
-    QCOMPARE(device->getParameter(DeviceDescriptor::DP_NAME).toString(), QStringLiteral("Exchange 9"));
-
-    map.renameItem(QModelIndex(), QStringLiteral("ignored"));
+    // Deleting "unit" 65535 must not take the group with it.
+    QVERIFY(!map.deleteDevice(65535));
+    QCOMPARE(root->rowCount(), 2);
     delete device;
 }
 
 void tst_Map::removeGroupWithNestedUnits()
 {
     Map map;
-    // G { 1, H { 2, 3 }, 4 }, 5 beside G
-    QStandardItem *g = map.addGroup(QModelIndex(), QStringLiteral("G"));
+    // G { 1, H { 2, 3 }, 4 }, 5
     QList<QPointer<TestDevice>> devices;
     for (int i = 0; i < 5; ++i)
         devices << new TestDevice;
+    QStandardItem *g = map.addGroup(QModelIndex(), QStringLiteral("G"));
     map.addItem(g->index(), devices[0], {});
     QStandardItem *h = map.addGroup(g->index(), QStringLiteral("H"));
     map.addItem(h->index(), devices[1], {});
@@ -293,43 +196,23 @@ void tst_Map::removeGroupWithNestedUnits()
     QCOMPARE(listed, (KeyList {1, 2, 3, 4}));
 
     QSignalSpy count(&map, &Map::activeDeviceCountChanged);
-    const KeyList removed = map.remove(g->index());
-    QCOMPARE(removed, (KeyList {1, 2, 3, 4}));
+    QCOMPARE(map.remove(g->index()), (KeyList {1, 2, 3, 4}));
     QCOMPARE(count.count(), 4);
     QCOMPARE(count.at(0).at(0).toUInt(), 4u);
     QCOMPARE(count.at(3).at(0).toUInt(), 1u);
     QCOMPARE(map.getModel()->rowCount(), 1);
     QCOMPARE(map.getDeviceIdList(), KeyList {5});
-    QVERIFY(!map.getDevice(2));
-
     // Deleted later, not at once.
-    QVERIFY(devices[0] && devices[3]);
+    QVERIFY(devices[0]);
     flushDeletions();
-    for (int i = 0; i < 4; ++i)
-        QVERIFY(!devices[i]);
-    QVERIFY(devices[4]);
+    QVERIFY(!devices[0] && !devices[1] && !devices[2] && !devices[3]);
+
+    QVERIFY(!map.deleteDevice(6));
+    QVERIFY(map.deleteDevice(5));
+    QCOMPARE(map.getModel()->rowCount(), 0);
     QVERIFY(map.remove(QModelIndex()).isEmpty());
-    delete devices[4];
-}
-
-void tst_Map::deleteDevice()
-{
-    Map map;
-    QStandardItem *group = map.addGroup(QModelIndex(), QStringLiteral("G"));
-    QPointer<TestDevice> device = new TestDevice;
-    map.addItem(group->index(), device, {});
-
-    QVERIFY(!map.deleteDevice(2));
-    // 65535 names the first group only through the key role's cut.
-    QVERIFY(!map.deleteDevice(65535));
-    QCOMPARE(group->rowCount(), 1);
-
-    QVERIFY(map.deleteDevice(1));
-    QCOMPARE(group->rowCount(), 0);
-    QVERIFY(!map.contains((unsigned short)1));
     flushDeletions();
-    QVERIFY(!device);
-    QVERIFY(!map.deleteDevice(1));
+    QVERIFY(!devices[4]);
 }
 
 void tst_Map::containsAddress_data()
@@ -340,8 +223,6 @@ void tst_Map::containsAddress_data()
 
     QTest::newRow("leading zeros") << "005"
                                    << "5" << true;
-    QTest::newRow("same number") << "5"
-                                 << "5" << true;
     QTest::newRow("asked with zeros") << "5"
                                       << "05" << true;
     QTest::newRow("other number") << "6"
@@ -350,16 +231,12 @@ void tst_Map::containsAddress_data()
                                                << "0005" << false;
     QTest::newRow("ip exact") << "10.0.0.1"
                               << "10.0.0.1" << true;
-    QTest::newRow("ip differs") << "10.0.0.1"
-                                << "10.0.0.2" << false;
     QTest::newRow("ip zero-padded") << "10.0.0.1"
                                     << "10.0.0.01" << false;
     QTest::newRow("unparsable asked counts as 0") << "0"
                                                   << "abc" << true;
     QTest::newRow("unparsable unit never matches") << "abc"
                                                    << "abc" << false;
-    QTest::newRow("empty asked counts as 0") << "000"
-                                             << "" << true;
     QTest::newRow("empty unit") << ""
                                 << "0" << false;
 }
@@ -372,24 +249,13 @@ void tst_Map::containsAddress()
 
     Map map;
     QVERIFY(!map.contains(asked));
-    auto *device = new TestDevice;
-    device->setParameter(DeviceDescriptor::DP_ADDRESS, unitAddress);
-    map.addItem(QModelIndex(), device, {});
-    QCOMPARE(map.contains(asked), found);
-    QCOMPARE(map.contains(asked, unitAddress), false);
-    QCOMPARE(map.contains(unitAddress, unitAddress), false);
-    delete device;
-}
-
-void tst_Map::containsWithName()
-{
-    Map map;
-    auto *device = new TestDevice(QStringLiteral("12"));
+    auto *device = new TestDevice(unitAddress);
     device->setDeviceTypeCode(0x2A);
     map.addItem(QModelIndex(), device, {});
-    QVERIFY(map.containsWithName(QStringLiteral("012"), 0x2A));
-    QVERIFY(!map.containsWithName(QStringLiteral("12"), 0x2B));
-    QVERIFY(!map.containsWithName(QStringLiteral("13"), 0x2A));
+    QCOMPARE(map.contains(asked), found);
+    QCOMPARE(map.containsWithName(asked, 0x2A), found);
+    QCOMPARE(map.containsWithName(asked, 0x2B), false);
+    QCOMPARE(map.contains(unitAddress, unitAddress), false);
     delete device;
 }
 
@@ -404,39 +270,26 @@ void tst_Map::requestRoundTrip()
     device->sendRequest(bytes);
     QCOMPARE(requests.count(), 0);
     QVERIFY(requests.wait(1000));
-    QCOMPARE(requests.count(), 1);
     QCOMPARE(requests.at(0).at(0).toInt(), int(key));
     QCOMPARE(requests.at(0).at(1).toByteArray(), bytes);
 
-    const QByteArray reply("\x01\x03\x04\x00\x2A\x00\x00", 7);
+    // Nothing reaches the unit inside answer() or replyError().
+    const QByteArray reply("\x01\x03\x02\x00\x2A", 5);
     map.answer(key, reply);
-    QTRY_COMPARE(device->answers.size(), 1);
-    QCOMPARE(device->answers.first(), reply);
-
     map.replyError(key);
-    QTRY_COMPARE(device->count(QStringLiteral("setError()")), 1);
-
-    // Unknown keys go nowhere.
-    map.answer(key + 1, reply);
+    map.answer(key + 1, "stray");
     map.replyError(key + 1);
-    QCoreApplication::processEvents();
-    QCOMPARE(device->answers.size(), 1);
-    QCOMPARE(device->count(QStringLiteral("setError()")), 1);
-    delete device;
-}
-
-void tst_Map::answerRunsOnlyFromEventLoop()
-{
-    Map map;
-    auto *device = new TestDevice;
-    const unsigned short key = map.addItem(QModelIndex(), device, {});
-    map.answer(key, QByteArray("A"));
-    map.replyError(key);
-    map.answer(key, QByteArray("B"));
     QVERIFY(device->calls.isEmpty());
     QCoreApplication::processEvents();
-    QCOMPARE(device->calls, (QStringList {"setData()", "setError()", "setData()"}));
-    QCOMPARE(device->answers, (QList<QByteArray> {"A", "B"}));
+    QCOMPARE(device->calls, (QStringList {"setData()", "setError()"}));
+    QCOMPARE(device->answers, QList<QByteArray> {reply});
+
+    // A disconnected unit is no longer relayed, also for what was already queued.
+    device->sendRequest("late");
+    map.disconnectDevice(key);
+    map.disconnectDevice(-1);
+    QCoreApplication::processEvents();
+    QCOMPARE(requests.count(), 1);
     delete device;
 }
 
@@ -444,14 +297,16 @@ void tst_Map::answerForRemovedUnitIsDropped()
 {
     Map map;
     QPointer<TestDevice> device = new TestDevice;
-    QPointer<TestDevice> other = new TestDevice;
+    auto *other = new TestDevice;
     const unsigned short key = map.addItem(QModelIndex(), device, {});
     const unsigned short otherKey = map.addItem(QModelIndex(), other, {});
-    map.answer(key, QByteArray("late"));
+    map.answer(key, "late");
     map.replyError(key);
-    map.answer(otherKey, QByteArray("on time"));
+    map.answer(otherKey, "on time");
     QVERIFY(map.deleteDevice(key));
+    QVERIFY(device);
     QCoreApplication::processEvents();
+    QVERIFY(device->calls.isEmpty());
     flushDeletions();
     QVERIFY(!device);
     QCOMPARE(other->answers, QList<QByteArray> {"on time"});
@@ -480,14 +335,14 @@ void tst_Map::relays()
 
     Map map;
     auto *bystander = new TestDevice;
-    map.addItem(QModelIndex(), bystander, {});
     auto *device = new TestDevice;
-    const unsigned short key = map.addItem(QModelIndex(), device, 300, {});
+    map.addItem(QModelIndex(), bystander, {});
+    map.addItem(QModelIndex(), device, 300, {});
     device->serialOn = true;
     QSignalSpy spy(&map, signal.constData());
     QVERIFY(spy.isValid());
 
-    const QString row = QString::fromLatin1(QTest::currentDataTag());
+    const QByteArray row(QTest::currentDataTag());
     if (row == "front panel")
         emit device->frontPanelChanged();
     else if (row == "system message")
@@ -504,32 +359,11 @@ void tst_Map::relays()
     QCOMPARE(spy.count(), 0);
     QVERIFY(spy.wait(1000));
     QCOMPARE(spy.count(), 1);
-    QCOMPARE(spy.at(0).at(0).toUInt(), uint(key));
+    QCOMPARE(spy.at(0).at(0).toUInt(), 300u);
     if (payload.isValid())
         QCOMPARE(spy.at(0).at(1), payload);
     delete device;
     delete bystander;
-}
-
-void tst_Map::removedUnitIsNoLongerRelayed()
-{
-    Map map;
-    QSignalSpy requests(&map, &Map::request);
-    QSignalSpy alarms(&map, &Map::alarmStateChanged);
-    auto *device = new TestDevice;
-    const unsigned short key = map.addItem(QModelIndex(), device, {});
-    // Emitted before the removal, delivered after it.
-    device->sendRequest("x");
-    device->setAlarmState(Core::ALARM_MAJOR);
-    map.disconnectDevice(key);
-    device->sendRequest("y");
-    QCoreApplication::processEvents();
-    QCOMPARE(requests.count(), 0);
-    QCOMPARE(alarms.count(), 0);
-    map.disconnectDevice(-1);
-    map.disconnectDevice(70000);
-    QVERIFY(map.deleteDevice(key));
-    flushDeletions();
 }
 
 void tst_Map::addressCheckCycle()
@@ -541,150 +375,92 @@ void tst_Map::addressCheckCycle()
     map.addItem(QModelIndex(), second, {});
     QSignalSpy answers(second, &DeviceDescriptor::setIP);
 
-    second->checkAdr(QStringLiteral("001"));
-    QCOMPARE(answers.count(), 0);
-    QVERIFY(answers.wait(1000));
-    QCOMPARE(answers.last().at(0).toBool(), false);
-
-    second->checkAdr(QStringLiteral("10.0.0.3"));
-    QVERIFY(answers.wait(1000));
-    QCOMPARE(answers.last().at(0).toBool(), true);
-
-    // Its own address is taken as well.
-    second->checkAdr(QStringLiteral("10.0.0.2"));
-    QVERIFY(answers.wait(1000));
-    QCOMPARE(answers.last().at(0).toBool(), false);
-    QCOMPARE(answers.count(), 3);
+    // Another unit's serial address, a free one, and the unit's own.
+    const QList<QPair<QString, bool>> proposals {{"001", false}, {"10.0.0.3", true}, {"10.0.0.2", false}};
+    for (const auto &proposal : proposals) {
+        second->checkAdr(proposal.first);
+        QCOMPARE(answers.count(), 0);
+        QVERIFY(answers.wait(1000));
+        QCOMPARE(answers.takeFirst().at(0).toBool(), proposal.second);
+    }
     delete first;
     delete second;
 }
 
-void tst_Map::scanEmptyMap()
+void tst_Map::scanThreeUnits()
 {
     Map map;
     QSignalSpy polled(&map, &Map::updateAlarmFinished);
     map.startScan();
     QVERIFY(!map.scanInproccess());
     QCOMPARE(polled.count(), 0);
-}
 
-void tst_Map::scanThreeUnits()
-{
-    Map map;
-    QList<TestDevice *> devices;
-    for (unsigned short key : {11, 12, 13}) {
-        devices << new TestDevice;
-        map.addItem(QModelIndex(), devices.last(), key, {});
-    }
+    QList<TestDevice *> devices {new TestDevice, new TestDevice, new TestDevice};
+    for (TestDevice *device : devices)
+        map.addItem(QModelIndex(), device, {});
     const KeyList order = map.getDeviceIdList();
-    QSignalSpy polled(&map, &Map::updateAlarmFinished);
+    auto unit = [&](int i) { return static_cast<TestDevice *>(map.getDevice(order.at(i))); };
 
     map.startScan();
     QVERIFY(map.scanInproccess());
     QCOMPARE(polled.count(), 1);
-    QCOMPARE(polled.at(0).at(0).toUInt(), uint(order.at(0)));
-    QCOMPARE(
-        static_cast<TestDevice *>(map.getDevice(order.at(0)))->calls, QStringList {"updateAlarmStatus(1)"});
+    QCOMPARE(unit(0)->calls, QStringList {"updateAlarmStatus(1)"});
 
-    // Any unit's report moves the pass on.
-    emit static_cast<TestDevice *>(map.getDevice(order.at(2)))->statusUpdated();
+    // Any unit's report moves the pass on, one unit per report.
+    emit unit(2)->statusUpdated();
     QCOMPARE(polled.count(), 1);
     QTRY_COMPARE(polled.count(), 2);
-    QCOMPARE(polled.at(1).at(0).toUInt(), uint(order.at(1)));
-    emit static_cast<TestDevice *>(map.getDevice(order.at(1)))->statusUpdated();
+    emit unit(1)->statusUpdated();
     QTRY_COMPARE(polled.count(), 3);
-    QCOMPARE(polled.at(2).at(0).toUInt(), uint(order.at(2)));
     QVERIFY(map.scanInproccess());
-
-    emit static_cast<TestDevice *>(map.getDevice(order.at(2)))->statusUpdated();
+    emit unit(2)->statusUpdated();
     QTRY_VERIFY(!map.scanInproccess());
     QCOMPARE(polled.count(), 3);
-    for (TestDevice *device : devices)
-        QCOMPARE(device->count(QStringLiteral("updateAlarmStatus(1)")), 1);
+    for (int i = 0; i < 3; ++i) {
+        QCOMPARE(polled.at(i).at(0).toUInt(), uint(order.at(i)));
+        QCOMPARE(unit(i)->count(QStringLiteral("updateAlarmStatus(1)")), 1);
+    }
 
-    // The index went back to the start: a new pass begins with the first unit.
+    // The next pass starts again with the first unit; stopScan ends it.
     map.startScan();
     QCOMPARE(polled.last().at(0).toUInt(), uint(order.at(0)));
-    qDeleteAll(devices);
-}
-
-void tst_Map::scanEndsAtBusyKey()
-{
-    Map map;
-    QList<TestDevice *> devices;
-    for (int i = 0; i < 3; ++i) {
-        devices << new TestDevice;
-        devices.last()->finishPollAtOnce = true;
-        map.addItem(QModelIndex(), devices.last(), {});
-    }
-    const KeyList order = map.getDeviceIdList();
-    map.addDeviceKey(order.at(1));
-    map.addDeviceKey(order.at(1));
-    map.removeDeviceKey(order.at(1));
-    QSignalSpy polled(&map, &Map::updateAlarmFinished);
-
-    map.startScan();
-    QTRY_VERIFY(!map.scanInproccess());
-    QCOMPARE(polled.count(), 1);
-    QCOMPARE(polled.at(0).at(0).toUInt(), uint(order.at(0)));
-    QVERIFY(static_cast<TestDevice *>(map.getDevice(order.at(2)))->calls.isEmpty());
-
-    map.removeDeviceKey(order.at(1));
-    map.startScan();
-    QTRY_VERIFY(!map.scanInproccess());
+    map.stopScan();
+    emit unit(0)->statusUpdated();
+    QCoreApplication::processEvents();
     QCOMPARE(polled.count(), 4);
     qDeleteAll(devices);
 }
 
-void tst_Map::scanEndsAtDepartedKey()
+void tst_Map::scanEndsEarly()
 {
     Map map;
-    for (int i = 0; i < 3; ++i)
+    for (int i = 0; i < 4; ++i) {
         map.addItem(QModelIndex(), new TestDevice, {});
+        static_cast<TestDevice *>(map.getDevice(i + 1))->finishPollAtOnce = true;
+    }
     const KeyList order = map.getDeviceIdList();
     QSignalSpy polled(&map, &Map::updateAlarmFinished);
-    map.startScan();
-    auto *first = static_cast<TestDevice *>(map.getDevice(order.at(0)));
 
-    // Removing a unit refreshes the list under the running index, so the
-    // pass goes on with what is left.
+    // A busy key ends the pass; duplicates are kept and removed one at a time.
+    map.addDeviceKey(order.at(2));
+    map.addDeviceKey(order.at(2));
+    map.removeDeviceKey(order.at(2));
+    map.startScan();
+    QTRY_VERIFY(!map.scanInproccess());
+    QCOMPARE(polled.count(), 2);
+    QVERIFY(static_cast<TestDevice *>(map.getDevice(order.at(3)))->calls.isEmpty());
+
+    // A unit removed during the pass is left out of the rest of it.
+    map.removeDeviceKey(order.at(2));
+    polled.clear();
+    map.startScan();
     QVERIFY(map.deleteDevice(order.at(1)));
-    emit first->statusUpdated();
-    QTRY_COMPARE(polled.count(), 2);
+    QTRY_VERIFY(!map.scanInproccess());
+    QCOMPARE(polled.count(), 3);
     QCOMPARE(polled.at(1).at(0).toUInt(), uint(order.at(2)));
-    emit first->statusUpdated();
-    QTRY_VERIFY(!map.scanInproccess());
-
-    // A report queued by a unit that is gone by then still moves the pass on.
-    map.startScan();
-    QCOMPARE(polled.count(), 3);
-    auto *last = static_cast<TestDevice *>(map.getDevice(order.at(2)));
-    emit last->statusUpdated();
-    QVERIFY(map.deleteDevice(order.at(2)));
-    flushDeletions();
-    QTRY_VERIFY(!map.scanInproccess());
-    QCOMPARE(polled.count(), 3);
-    const KeyList left = map.getDeviceIdList();
-    for (unsigned short key : left)
-        delete map.getDevice(key);
-    flushDeletions();
-}
-
-void tst_Map::stopScan()
-{
-    Map map;
-    auto *device = new TestDevice;
-    map.addItem(QModelIndex(), device, {});
-    map.addItem(QModelIndex(), new TestDevice, {});
-    QSignalSpy polled(&map, &Map::updateAlarmFinished);
-    map.startScan();
-    map.stopScan();
-    QVERIFY(!map.scanInproccess());
-    emit device->statusUpdated();
-    QCoreApplication::processEvents();
-    QCOMPARE(polled.count(), 1);
     for (unsigned short key : map.getDeviceIdList())
         delete map.getDevice(key);
+    flushDeletions();
 }
 
 void tst_Map::alarms()
@@ -698,41 +474,28 @@ void tst_Map::alarms()
     map.addItem(QModelIndex(), b, {});
     map.addItem(QModelIndex(), c, {});
     c->setAlarmState(Core::ALARM_MAJOR);
-
     const QHash<unsigned short, Core::AlarmType> levels {
         {1, Core::ALARM_OK}, {2, Core::ALARM_OK}, {3, Core::ALARM_MAJOR}};
     QCOMPARE(map.getAlarmMap(), levels);
 
-    // No numeric match here, and only the first unit met changes.
+    // Exact text only, and only the first unit met in key order of the registry.
     map.setAlarm(QStringLiteral("007"), Core::ALARM_MINOR);
     QCOMPARE(a->getAlarmState(), Core::ALARM_OK);
-    QCOMPARE(b->getAlarmState(), Core::ALARM_OK);
     map.setAlarm(QStringLiteral("7"), Core::ALARM_MINOR);
-    const int changed
-        = int(a->getAlarmState() == Core::ALARM_MINOR) + int(b->getAlarmState() == Core::ALARM_MINOR);
-    QCOMPARE(changed, 1);
-    const unsigned short firstMet
-        = map.getDeviceIdList().indexOf(1) < map.getDeviceIdList().indexOf(2) ? 1 : 2;
-    QCOMPARE(map.getDevice(firstMet)->getAlarmState(), Core::ALARM_MINOR);
-    QCOMPARE(map.getAlarmMap().value(firstMet), Core::ALARM_MINOR);
+    const KeyList order = map.getDeviceIdList();
+    const unsigned short first = order.indexOf(1) < order.indexOf(2) ? 1 : 2;
+    QCOMPARE(map.getAlarmMap().value(first), Core::ALARM_MINOR);
+    QCOMPARE(map.getAlarmMap().value(first == 1 ? 2 : 1), Core::ALARM_OK);
+
+    map.setSerialState(1, true);
+    map.setSerialState(4, true);
+    QCOMPARE(a->calls, QStringList {"setSerialState(1)"});
     delete a;
     delete b;
     delete c;
 }
 
-void tst_Map::serialStateRouted()
-{
-    Map map;
-    auto *device = new TestDevice;
-    const unsigned short key = map.addItem(QModelIndex(), device, {});
-    map.setSerialState(key, true);
-    map.setSerialState(key + 1, false);
-    QCOMPARE(device->calls, QStringList {"setSerialState(1)"});
-    QVERIFY(device->getSerialState());
-    delete device;
-}
-
-void tst_Map::metaObjects()
+void tst_Map::metaObjectOrder()
 {
     const QStringList expected {"request(int,QByteArray)", "frontpanel(ushort,QString)",
         "systemMessage(ushort,QString)", "alarmStateChanged(ushort)", "settingsChanged(ushort)",
@@ -750,11 +513,8 @@ void tst_Map::metaObjects()
         if (i >= 9)
             QCOMPARE(method.access(), i < 15 ? QMetaMethod::Public : QMetaMethod::Private);
     }
-
-    for (const QMetaObject *empty : {&DeviceMapItem::staticMetaObject, &MapSerialise::staticMetaObject}) {
+    for (const QMetaObject *empty : {&DeviceMapItem::staticMetaObject, &MapSerialise::staticMetaObject})
         QCOMPARE(empty->methodCount(), empty->methodOffset());
-        QCOMPARE(empty->propertyCount(), empty->propertyOffset());
-    }
     QCOMPARE(MapSerialise::staticMetaObject.className(), "MapSerialise");
 }
 
@@ -764,45 +524,41 @@ void tst_Map::scale()
     Map map;
     QStandardItem *group = map.addGroup(QModelIndex(), QStringLiteral("All"));
     QList<TestDevice *> devices;
-    devices.reserve(Units);
     for (int i = 0; i < Units; ++i) {
         devices << new TestDevice;
         devices.last()->finishPollAtOnce = true;
     }
 
-    QElapsedTimer clock;
-    CpuClock cpu;
-    clock.start();
-    cpu.start();
+    QElapsedTimer wall;
+    wall.start();
+    qint64 cpu = cpuMs();
     for (TestDevice *device : qAsConst(devices))
         map.addItem(group->index(), device, {});
-    const qint64 addWallMs = clock.restart();
-    const qint64 addMs = cpu.restart();
+    const qint64 addWall = wall.restart(), addMs = cpuMs() - cpu;
     QCOMPARE(map.getDeviceCount(), Units);
 
+    cpu = cpuMs();
     QSignalSpy polled(&map, &Map::updateAlarmFinished);
     map.startScan();
-    while (map.scanInproccess() && clock.elapsed() < 20000)
+    while (map.scanInproccess() && wall.elapsed() < 60000)
         QCoreApplication::processEvents();
-    const qint64 scanWallMs = clock.restart();
-    const qint64 scanMs = cpu.restart();
+    const qint64 scanWall = wall.restart(), scanMs = cpuMs() - cpu;
     QCOMPARE(polled.count(), Units);
 
-    // Every other unit one by one, from the far end of the tree, then the rest with their group.
+    // Every other unit one by one from the far end of the tree, then the rest with their group.
+    cpu = cpuMs();
     for (int key = Units; key >= 1; key -= 2)
         QVERIFY(map.deleteDevice(static_cast<unsigned short>(key)));
-    const KeyList rest = map.remove(group->index());
+    QCOMPARE(map.remove(group->index()).size(), Units / 2);
     flushDeletions();
-    const qint64 removeWallMs = clock.restart();
-    const qint64 removeMs = cpu.restart();
-    QCOMPARE(rest.size(), Units / 2);
+    const qint64 removeWall = wall.restart(), removeMs = cpuMs() - cpu;
     QCOMPARE(map.getDeviceCount(), 0);
 
     qInfo("10000 units, processor (wall) ms: add %lld (%lld), scan %lld (%lld), remove %lld (%lld)", addMs,
-        addWallMs, scanMs, scanWallMs, removeMs, removeWallMs);
-    QVERIFY2(addMs < TimeBudgetMs, qPrintable(QString::number(addMs)));
-    QVERIFY2(scanMs < TimeBudgetMs, qPrintable(QString::number(scanMs)));
-    QVERIFY2(removeMs < TimeBudgetMs, qPrintable(QString::number(removeMs)));
+        addWall, scanMs, scanWall, removeMs, removeWall);
+    QVERIFY(addMs < TimeBudgetMs);
+    QVERIFY(scanMs < TimeBudgetMs);
+    QVERIFY(removeMs < TimeBudgetMs);
 }
 
 QTEST_MAIN(tst_Map)
