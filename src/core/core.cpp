@@ -1,5 +1,21 @@
 #include "core/core.h"
 
+namespace {
+
+// Registered when the library loads, so hosts can queue and spy on signals
+// that carry the vocabulary without registering it themselves.
+void registerCoreMetaTypes()
+{
+    qRegisterMetaType<Core::AlarmType>("Core::AlarmType");
+    qRegisterMetaType<Core::AccessMode>("Core::AccessMode");
+    qRegisterMetaType<Core::ActionType>("Core::ActionType");
+    qRegisterMetaType<Core::SystemEvens>("Core::SystemEvens");
+    qRegisterMetaType<Core::InterfaceProtocolType>("Core::InterfaceProtocolType");
+}
+Q_CONSTRUCTOR_FUNCTION(registerCoreMetaTypes)
+
+} // namespace
+
 // Each table is filled once, on first use, in the language in force then.
 
 Core::Core(QObject *parent)

@@ -10,6 +10,8 @@
 // The vocabulary every part of the suite speaks: alarm levels, access rights,
 // journal events, rights areas and interface kinds, with their dictionaries.
 // The numeric values cross the library's interface and never change.
+// The enumerations are registered with the meta-object system so that they
+// travel through queued connections and show by name in logs.
 class MUXCORE_EXPORT Core : public QObject
 {
     Q_OBJECT
@@ -21,12 +23,14 @@ public:
         ALARM_MINOR = 2,
         ALARM_MAJOR_MINOR = 3
     };
+    Q_ENUM(AlarmType)
 
     enum AccessMode {
         ACM_DENY = 1,
         ACM_READ = 2,
         ACM_READ_AND_WRITE = 3
     };
+    Q_ENUM(AccessMode)
 
     enum ActionType {
         ACT_USER_AND_GROUP = 1,
@@ -35,6 +39,7 @@ public:
         ACT_DEVICE = 4,
         ACT_SYSTEM = 5
     };
+    Q_ENUM(ActionType)
 
     // High nibble: category; low nibble: event within it.
     enum SystemEvens {
@@ -67,6 +72,7 @@ public:
         SE_EXPORT_TO_FILE = 0x70,
         SE_EXPORT_PRINT = 0x71
     };
+    Q_ENUM(SystemEvens)
 
     enum InterfaceProtocolType : int {
         IPT_SERIAL = 0,
@@ -74,6 +80,7 @@ public:
         IPT_SNMP_V3 = 2,
         IPT_WEB = 3
     };
+    Q_ENUM(InterfaceProtocolType)
 
     explicit Core(QObject *parent);
 

@@ -302,7 +302,6 @@ void tst_DeviceDescriptor::autorise()
 
 void tst_DeviceDescriptor::eventsAndAddressCheck()
 {
-    qRegisterMetaType<Core::SystemEvens>("Core::SystemEvens");
     TestDevice device;
     QSignalSpy events(&device, &DeviceDescriptor::newEvent);
     device.emitAddEvent(Core::SE_DEVICE_RESTART);
