@@ -1,0 +1,6 @@
+#include "memory/configmemorymap.h"
+
+ConfigMemoryMap::ConfigMemoryMap(QObject *parent)
+    : MemoryMap(parent)
+{
+}

@@ -1,0 +1,48 @@
+#ifndef MEMORYMAP_H
+#define MEMORYMAP_H
+
+#include "muxcore_export.h"
+
+#include <QByteArray>
+#include <QHash>
+#include <QObject>
+#include <QString>
+#include <QVariant>
+
+class BaseRawType;
+
+// A named set of items that together cover one memory area of a unit, moved
+// in and out as a whole: byte images, SNMP variable sets and JSON. Items are
+// visited in no defined order and the first failing item stops the walk.
+class MUXCORE_EXPORT MemoryMap : public QObject
+{
+    Q_OBJECT
+public:
+    explicit MemoryMap(QObject *parent = nullptr);
+    ~MemoryMap() override;
+
+    // Takes ownership; an item already stored under the name is destroyed.
+    // A null item, or one the map already holds under another name, is refused.
+    void addItem(QString name, BaseRawType *item);
+    BaseRawType *getItem(QString name);
+    bool contains(QString name);
+
+    bool loadData(QByteArray *image);
+    bool saveData(QByteArray *image);
+    // The received variables also count as sent, so that they are not sent
+    // back unchanged.
+    bool loadData(QHash<QString, QVariant> *variables);
+    // Adds only the variables that changed since last received or sent.
+    bool saveData(QHash<QString, QVariant> *toSend);
+
+    // The item values as an indented JSON document.
+    QByteArray serialise();
+    // Text that does not parse as a JSON object restores from an empty object.
+    bool deserialise(const QByteArray &text);
+
+private:
+    QHash<QString, BaseRawType *> items;
+    QHash<QString, QVariant> lastSent;
+};
+
+#endif // MEMORYMAP_H

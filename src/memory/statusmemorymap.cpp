@@ -1,0 +1,6 @@
+#include "memory/statusmemorymap.h"
+
+StatusMemoryMap::StatusMemoryMap(QObject *parent)
+    : MemoryMap(parent)
+{
+}
