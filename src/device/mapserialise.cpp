@@ -1,0 +1,6 @@
+#include "device/mapserialise.h"
+
+MapSerialise::MapSerialise(QObject *parent)
+    : QObject(parent)
+{
+}

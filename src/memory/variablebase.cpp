@@ -1,0 +1,6 @@
+#include "memory/variablebase.h"
+
+VariableBase::VariableBase(QObject *parent)
+    : QObject(parent)
+{
+}

@@ -1,0 +1,38 @@
+#ifndef SAVESETTINGS_H
+#define SAVESETTINGS_H
+
+#include "muxcore_export.h"
+
+#include <QByteArray>
+#include <QMap>
+#include <QString>
+
+struct DeviceSettingsEx;
+
+// Writes and reads device settings files ("*.dvsf"). The byte layout is
+// fixed: files saved years ago must still load, and files saved now must load
+// in older hosts of the current generation.
+class MUXCORE_EXPORT SaveSettings
+{
+public:
+    SaveSettings() = default;
+
+    // Digests the record's data into its hash (the caller's record is updated
+    // too), then replaces the file in one step: a failure part-way leaves the
+    // earlier file as it was. False when the file could not be written.
+    static bool save(DeviceSettingsEx &settings, QString path);
+    // Loads either file generation. False, with the record untouched, when the
+    // file is missing, not a regular file, not named "*.dvsf" or unreadable;
+    // true otherwise. Damaged content is reported by isCorrupted().
+    static bool read(DeviceSettingsEx &settings, QString path);
+
+    // The four bytes that open a current-generation file.
+    static QByteArray exFileFormatIdentifier;
+    // Model code to current model name; the host fills it before reading, so
+    // that files of the older generation get the code of their model.
+    static QMap<short, QString> deviceCodes;
+    // Older model names to current ones, applied to every file read.
+    static QMap<QString, QString> oldVersionNames;
+};
+
+#endif // SAVESETTINGS_H

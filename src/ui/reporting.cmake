@@ -1,0 +1,3 @@
+muxcore_add_sources(
+    HEADERS trapvisual.h printing.h
+    SOURCES trapvisual.cpp printing.cpp)
