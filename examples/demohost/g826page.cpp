@@ -1,0 +1,54 @@
+#include "g826page.h"
+
+#include "demounit.h"
+
+#include <memory/tg826.h>
+
+#include <QHeaderView>
+#include <QStandardItemModel>
+#include <QTableView>
+#include <QVBoxLayout>
+
+G826Page::G826Page(DemoUnit *unit, QWidget *parent)
+    : QWidget(parent)
+    , unit(unit)
+    , model(new QStandardItemModel(0, 10, this))
+    , tvwCounters(new QTableView(this))
+{
+    tvwCounters->setObjectName(QStringLiteral("tvwCounters"));
+    model->setHorizontalHeaderLabels({tr("EB\nCRC-4"), tr("ES\nCRC-4"), tr("SES\nCRC-4"), tr("AvT\nCRC-4"),
+                                      tr("UnavT\nCRC-4"), tr("EB\nE-bit"), tr("ES\nE-bit"), tr("SES\nE-bit"),
+                                      tr("AvT\nE-bit"), tr("UnavT\nE-bit")});
+    for (int port = 0; port < UnitLayout::portCount; ++port) {
+        QList<QStandardItem *> row;
+        for (int column = 0; column < 10; ++column) {
+            auto *cell = new QStandardItem;
+            cell->setTextAlignment(Qt::AlignRight | Qt::AlignVCenter);
+            cell->setEditable(false);
+            row << cell;
+        }
+        model->appendRow(row);
+        model->setHeaderData(port, Qt::Vertical, tr("Port %1").arg(port + 1));
+    }
+    tvwCounters->setModel(model);
+    tvwCounters->horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
+    tvwCounters->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    auto *layout = new QVBoxLayout(this);
+    layout->addWidget(tvwCounters);
+    updateData();
+}
+
+void G826Page::updateData()
+{
+    Tg826 *g = unit->g826();
+    using Getter = unsigned int (Tg826::*)(unsigned char);
+    static const Getter getters[10] = {&Tg826::EBCrc4, &Tg826::ESCrc4, &Tg826::SESCrc4, &Tg826::AvTCrc4,
+                                       &Tg826::UnavTCrc4, &Tg826::EBEbit, &Tg826::ESEbit, &Tg826::SESEbit,
+                                       &Tg826::AvTEbit, &Tg826::UnavTEbit};
+    for (int port = 0; port < UnitLayout::portCount; ++port) {
+        for (int column = 0; column < 10; ++column) {
+            const unsigned int value = (g->*getters[column])(static_cast<unsigned char>(port));
+            model->item(port, column)->setData(value, Qt::DisplayRole);
+        }
+    }
+}
