@@ -37,6 +37,15 @@ int pageIndexOf(const QModelIndex &index)
     return page.isValid() ? page.toInt() : -1;
 }
 
+// A question box whose only button is Yes. It acknowledges rather than asks:
+// Escape and closing the box answer Yes too, and hosts rely on the signal
+// that follows. QMessageBox::question(Yes, No) would add a No button.
+QMessageBox::StandardButton acknowledge(QWidget *parent, const QString &title, const QString &text)
+{
+    QMessageBox box(QMessageBox::Question, title, text, QMessageBox::Yes, parent);
+    return static_cast<QMessageBox::StandardButton>(box.exec());
+}
+
 QString defaultSettingsFolder()
 {
     return QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
@@ -100,6 +109,9 @@ DeviceMainWindow::DeviceMainWindow(QWidget *parent)
 
 DeviceMainWindow::~DeviceMainWindow()
 {
+    // The pages die with the stack, after this object's members are gone.
+    for (QWidget *widget : qAsConst(panels))
+        disconnect(widget, &QObject::destroyed, this, nullptr);
     refreshTimer->stop();
     decCounter();
     delete ui;
@@ -133,21 +145,19 @@ void DeviceMainWindow::addPanel(QString path, QWidget *widget)
         if (part == leaf) {
             next->setData(panelCount, PageIndexRole);
             next->setData(path, PagePathRole);
-            panels.insert(panelCount, widget);
-            ui->swgtInterface->insertWidget(panelCount, widget);
-            ++panelCount;
             // A page the host deletes itself must not be shown afterwards.
-            connect(
-                widget, &QObject::destroyed, this,
-                [this](QObject *gone) {
+            if (panels.key(widget, -1) == -1)
+                connect(widget, &QObject::destroyed, this, [this](QObject *gone) {
                     for (auto it = panels.begin(); it != panels.end();) {
                         if (it.value() == gone)
                             it = panels.erase(it);
                         else
                             ++it;
                     }
-                },
-                Qt::UniqueConnection);
+                });
+            panels.insert(panelCount, widget);
+            ui->swgtInterface->insertWidget(panelCount, widget);
+            ++panelCount;
         } else {
             next->setData(-1, PageIndexRole);
         }
@@ -369,22 +379,16 @@ void DeviceMainWindow::on_actionTo_factory_triggered()
     emit toFactory(dialog.getNotResetAddresses());
 }
 
-// The confirmations below offer Yes alone: No is named as the default but is
-// not a button, so every way of dismissing the box (Escape included) answers
-// Yes. They acknowledge rather than ask, and hosts expect the signal.
 void DeviceMainWindow::on_actionRestart_triggered()
 {
-    const auto answer = QMessageBox::question(this, tr("Restart device"),
-        tr("Do you realy want restart device?"), QMessageBox::Yes, QMessageBox::No);
-    if (answer != QMessageBox::No)
+    if (acknowledge(this, tr("Restart device"), tr("Do you realy want restart device?")) != QMessageBox::No)
         emit restartDevice();
 }
 
 void DeviceMainWindow::on_actionLoad_last_saved_triggered()
 {
-    const auto answer = QMessageBox::question(this, tr("Load last saved"),
-        tr("Do you realy want load last saved settings?"), QMessageBox::Yes, QMessageBox::No);
-    if (answer != QMessageBox::No)
+    if (acknowledge(this, tr("Load last saved"), tr("Do you realy want load last saved settings?"))
+        != QMessageBox::No)
         emit restoreDevice();
 }
 
