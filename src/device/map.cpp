@@ -451,8 +451,7 @@ void Map::connectDevice(DeviceMapItem *item)
     if (!device)
         return;
     const int key = static_cast<int>(item->getKey());
-    for (QSignalMapper *mapper : {newRequestMapper, frontPanelMapper, systemMessageMapper, alarmStateMapper,
-             settingsChangeMapper, uiClosedMapper, serialStateMapper, checkAddressMapper})
+    for (QSignalMapper *mapper : mappers())
         mapper->setMapping(device, key);
 
     const auto map = qOverload<>(&QSignalMapper::map);
@@ -475,9 +474,12 @@ void Map::disconnectDevice(int id)
     DeviceDescriptor *device = getDevice(static_cast<unsigned short>(id));
     if (!device)
         return;
-    for (QSignalMapper *mapper : {newRequestMapper, frontPanelMapper, systemMessageMapper, alarmStateMapper,
-             settingsChangeMapper, uiClosedMapper, serialStateMapper, checkAddressMapper})
+    for (QSignalMapper *mapper : mappers()) {
         mapper->removeMappings(device);
+        // A mapper keeps watching for the unit's destruction and then searches
+        // all its senders: with thousands of units that adds up.
+        disconnect(device, &QObject::destroyed, mapper, nullptr);
+    }
 
     // The address check stays connected: the descriptor is deleted right after.
     const auto map = qOverload<>(&QSignalMapper::map);
@@ -489,6 +491,12 @@ void Map::disconnectDevice(int id)
     disconnect(device, &DeviceDescriptor::uiClosed, uiClosedMapper, map);
     disconnect(device, &DeviceDescriptor::serialState, serialStateMapper, map);
     disconnect(device, &DeviceDescriptor::statusUpdated, this, &Map::scanNextItem);
+}
+
+std::array<QSignalMapper *, 8> Map::mappers() const
+{
+    return {newRequestMapper, frontPanelMapper, systemMessageMapper, alarmStateMapper, settingsChangeMapper,
+        uiClosedMapper, serialStateMapper, checkAddressMapper};
 }
 
 DeviceDescriptor *Map::descriptorFor(int id) const

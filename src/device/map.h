@@ -14,6 +14,8 @@
 #include <QString>
 #include <QVector>
 
+#include <array>
+
 class DeviceDescriptor;
 class DeviceMapItem;
 class QItemSelectionModel;
@@ -128,6 +130,7 @@ private:
     unsigned short insertDevice(
         QModelIndex parent, DeviceDescriptor *device, unsigned short key, const QVector<QString> &strings);
     QStandardItem *parentItemFor(const QModelIndex &index) const;
+    std::array<QSignalMapper *, 8> mappers() const;
     DeviceDescriptor *descriptorFor(int id) const;
     bool addressMatches(DeviceDescriptor *device, const QString &address) const;
     void refreshScanList();
