@@ -40,8 +40,7 @@ const char *const itemClock = "clock";
 const char *const itemFirmware = "firmware";
 const char *const itemG826 = "g826";
 
-template<typename Item>
-Item *makeItem(unsigned int start, unsigned int count, const QString &oid)
+template<typename Item> Item *makeItem(unsigned int start, unsigned int count, const QString &oid)
 {
     auto *item = new Item;
     item->setStartAddress(start);
@@ -62,8 +61,8 @@ QString panelText(QString text)
 
 } // namespace
 
-DemoUnit::DemoUnit(Core::InterfaceProtocolType protocol, const QString &address, unsigned short firmware,
-                   QObject *parent)
+DemoUnit::DemoUnit(
+    Core::InterfaceProtocolType protocol, const QString &address, unsigned short firmware, QObject *parent)
     : DeviceDescriptor(parent)
 {
     setCurrentProtocolType(protocol);
@@ -71,8 +70,9 @@ DemoUnit::DemoUnit(Core::InterfaceProtocolType protocol, const QString &address,
     setParameter(DP_TYPE, modelName());
     setParameter(DP_ADDRESS, address);
     setParameter(DP_DESCRIPTION, tr("Four-port E1 multiplexer"));
-    setParameter(DP_ICON, QIcon(protocol == Core::IPT_SERIAL ? QStringLiteral(":/images/serial-port.png")
-                                                              : QStringLiteral(":/images/ethernet.png")));
+    setParameter(DP_ICON,
+        QIcon(protocol == Core::IPT_SERIAL ? QStringLiteral(":/images/serial-port.png")
+                                           : QStringLiteral(":/images/ethernet.png")));
     setBaseRootOid(productArc());
     // Firmware from 2.3 on asks for a password; 2.3.7 was shipped without the check.
     firmwareVersion = firmware;
@@ -93,9 +93,10 @@ void DemoUnit::buildMemoryMaps()
     ConfigMemoryMap *config = getConfigMap();
     config->addItem(QLatin1String(itemPorts), makeItem<U8Array>(cfgPorts, portCount, oidPortTable()));
     config->addItem(QLatin1String(itemIp), makeItem<U8Array>(cfgIp, 4, oidSystem() + QStringLiteral(".1")));
-    config->addItem(QLatin1String(itemMask), makeItem<U8Array>(cfgMask, 4, oidSystem() + QStringLiteral(".2")));
+    config->addItem(
+        QLatin1String(itemMask), makeItem<U8Array>(cfgMask, 4, oidSystem() + QStringLiteral(".2")));
     config->addItem(QLatin1String(itemLabel),
-                    makeItem<U8Array>(cfgLabel, cfgLabelSize, oidSystem() + QStringLiteral(".3")));
+        makeItem<U8Array>(cfgLabel, cfgLabelSize, oidSystem() + QStringLiteral(".3")));
 
     StatusMemoryMap *status = getStatusMap();
     status->addItem(QLatin1String(itemAlarms), makeItem<U8Array>(stAlarms, 2, oidAlarms()));
@@ -180,9 +181,10 @@ QByteArray DemoUnit::encode(const Operation &operation)
         QHash<QString, QVariant> toSend;
         if (operation.command == CmdSetClock) {
             toSend.insert(oidClock() + QStringLiteral(".0"),
-                          QString::fromLatin1(operation.argument.constData(), operation.argument.size()));
+                QString::fromLatin1(operation.argument.constData(), operation.argument.size()));
         } else {
-            const int argument = operation.argument.isEmpty() ? 0 : static_cast<unsigned char>(operation.argument.at(0));
+            const int argument
+                = operation.argument.isEmpty() ? 0 : static_cast<unsigned char>(operation.argument.at(0));
             toSend.insert(oidControl(), operation.command | (argument << 8));
         }
         out << quint8(SnmpSet) << toSend;
@@ -261,8 +263,9 @@ void DemoUnit::finish(bool ok)
     }
     if (!done.description.isEmpty()) {
         report(ok ? tr("%1: done.").arg(done.description)
-                  : tr("%1: the unit did not confirm. Check the connection and try again.").arg(done.description),
-               ok);
+                  : tr("%1: the unit did not confirm. Check the connection and try again.")
+                        .arg(done.description),
+            ok);
     }
     if (unitWindow && !queue.isEmpty())
         unitWindow->setProgres(100 / (queue.size() + 1));
@@ -274,15 +277,27 @@ void DemoUnit::statusPollEnded()
 {
     // Alarm and front panel first, so that the map relays them before it
     // moves on to the next unit of its scan.
-    setAlarmState(missedPolls >= missedPollLimit ? alarmNoAnswer
-                                                 : (answered ? alarmFromStatus() : getAlarmState()));
-    const QString panel = getFrontPanel();
-    if (panel != lastFrontPanel) {
-        lastFrontPanel = panel;
-        emit frontPanelChanged();
-    }
+    setAlarmState(
+        missedPolls >= missedPollLimit ? alarmNoAnswer : (answered ? alarmFromStatus() : getAlarmState()));
+    refreshFrontPanel();
     // Ends this unit's step of the map's scan, also after a failed poll.
     emit statusUpdated();
+}
+
+void DemoUnit::setAlarmState(Core::AlarmType alarm)
+{
+    DeviceDescriptor::setAlarmState(alarm);
+    refreshFrontPanel();
+}
+
+void DemoUnit::refreshFrontPanel()
+{
+    // The map reads the text through getFrontPanel() when it relays the signal.
+    const QString panel = getFrontPanel();
+    if (panel == lastFrontPanel)
+        return;
+    lastFrontPanel = panel;
+    emit frontPanelChanged();
 }
 
 bool DemoUnit::decodeStatus(const QByteArray &payload)
@@ -375,8 +390,8 @@ void DemoUnit::writeConfig(const QString &description)
     emitAddEvent(Core::SE_DEVICE_WRITE_ALL);
 }
 
-void DemoUnit::runCommand(unsigned char command, const QByteArray &argument, const QString &description,
-                          Core::SystemEvens event)
+void DemoUnit::runCommand(
+    unsigned char command, const QByteArray &argument, const QString &description, Core::SystemEvens event)
 {
     enqueue({Command, command, argument, description, false});
     emitAddEvent(event);
@@ -400,7 +415,8 @@ void DemoUnit::saveMemory()
 
 void DemoUnit::toFactory(bool keepAddresses)
 {
-    runCommand(CmdFactory, QByteArray(1, keepAddresses ? 1 : 0), tr("Factory settings"), Core::SE_DEVICE_FACTORY);
+    runCommand(
+        CmdFactory, QByteArray(1, keepAddresses ? 1 : 0), tr("Factory settings"), Core::SE_DEVICE_FACTORY);
     enqueue({ReadConfig, CmdReadConfig, QByteArray(), QString(), false});
 }
 
@@ -461,13 +477,14 @@ void DemoUnit::loadSettingsFile(QString path, bool skipAddresses)
         return;
     }
     if (settings.isCorrupted()) {
-        report(tr("%1 is damaged: its contents do not match its checksum. Nothing was loaded.").arg(path), false);
+        report(tr("%1 is damaged: its contents do not match its checksum. Nothing was loaded.").arg(path),
+            false);
         return;
     }
     if (settings.deviceName != modelName()) {
         report(tr("%1 holds settings of a %2, not of a %3. Nothing was loaded.")
                    .arg(path, settings.deviceName, modelName()),
-               false);
+            false);
         return;
     }
     if (!setConfigImage(settings.data, skipAddresses)) {
@@ -524,7 +541,7 @@ void DemoUnit::showUi()
     connect(unitWindow, &DeviceMainWindow::resetStatistics, this, &DemoUnit::resetStatistics);
     connect(unitWindow, &DeviceMainWindow::switchToActive, this, &DemoUnit::switchToActive);
     connect(unitWindow, &DeviceMainWindow::serialStateChanged, this,
-            [this] { setSerialState(unitWindow->getSerialState()); });
+        [this] { setSerialState(unitWindow->getSerialState()); });
     // The refresh timer names the page in view; every page here shows status.
     connect(unitWindow, &DeviceMainWindow::sendTreeItemPath, this, [this](const QString &path) {
         if (!path.isEmpty())
@@ -588,12 +605,30 @@ void DemoUnit::setPortFlag(int port, unsigned char bit, const char *column, bool
     ports->setValue(QLatin1String(column), port, value);
 }
 
-bool DemoUnit::portEnabled(int port) { return portFlag(port, portEnabledBit, colPortEnabled); }
-void DemoUnit::setPortEnabled(int port, bool on) { setPortFlag(port, portEnabledBit, colPortEnabled, on); }
-bool DemoUnit::portCrc4(int port) { return portFlag(port, portCrc4Bit, colPortCrc4); }
-void DemoUnit::setPortCrc4(int port, bool on) { setPortFlag(port, portCrc4Bit, colPortCrc4, on); }
-bool DemoUnit::portAmi(int port) { return portFlag(port, portAmiBit, colPortLineCode); }
-void DemoUnit::setPortAmi(int port, bool on) { setPortFlag(port, portAmiBit, colPortLineCode, on); }
+bool DemoUnit::portEnabled(int port)
+{
+    return portFlag(port, portEnabledBit, colPortEnabled);
+}
+void DemoUnit::setPortEnabled(int port, bool on)
+{
+    setPortFlag(port, portEnabledBit, colPortEnabled, on);
+}
+bool DemoUnit::portCrc4(int port)
+{
+    return portFlag(port, portCrc4Bit, colPortCrc4);
+}
+void DemoUnit::setPortCrc4(int port, bool on)
+{
+    setPortFlag(port, portCrc4Bit, colPortCrc4, on);
+}
+bool DemoUnit::portAmi(int port)
+{
+    return portFlag(port, portAmiBit, colPortLineCode);
+}
+void DemoUnit::setPortAmi(int port, bool on)
+{
+    setPortFlag(port, portAmiBit, colPortLineCode, on);
+}
 
 namespace {
 
@@ -619,7 +654,10 @@ void setAddressOf(BaseRawType *item, const QString &text)
 
 } // namespace
 
-QString DemoUnit::ipAddress() { return addressOf(configItem(itemIp)); }
+QString DemoUnit::ipAddress()
+{
+    return addressOf(configItem(itemIp));
+}
 
 bool DemoUnit::setIpAddress(const QString &text)
 {
@@ -629,7 +667,10 @@ bool DemoUnit::setIpAddress(const QString &text)
     return true;
 }
 
-QString DemoUnit::subnetMask() { return addressOf(configItem(itemMask)); }
+QString DemoUnit::subnetMask()
+{
+    return addressOf(configItem(itemMask));
+}
 
 bool DemoUnit::setSubnetMask(const QString &text)
 {
@@ -645,7 +686,8 @@ QString DemoUnit::label()
     if (item->getMode() == 1)
         return item->getValue(QString()).toString();
     const QByteArray &bytes = item->getLocalCopy();
-    return QString::fromLatin1(bytes.constData(), static_cast<int>(qstrnlen(bytes.constData(), bytes.size())));
+    return QString::fromLatin1(
+        bytes.constData(), static_cast<int>(qstrnlen(bytes.constData(), bytes.size())));
 }
 
 void DemoUnit::setLabel(const QString &text)
@@ -658,14 +700,16 @@ void DemoUnit::setLabel(const QString &text)
     }
     const QByteArray bytes = cut.toLatin1();
     for (int i = 0; i < cfgLabelSize; ++i)
-        item->setInteger(static_cast<unsigned int>(i), 0, 1, i < bytes.size() ? static_cast<unsigned char>(bytes.at(i)) : 0);
+        item->setInteger(static_cast<unsigned int>(i), 0, 1,
+            i < bytes.size() ? static_cast<unsigned char>(bytes.at(i)) : 0);
 }
 
 UnitLayout::PortState DemoUnit::portState(int port)
 {
     BaseRawType *item = statusItem(itemPortState);
-    const int state = item->getMode() == 1 ? item->getValue(QLatin1String(colPortState), port).toInt() - 1
-                                           : static_cast<int>(item->getBits(static_cast<unsigned int>(port), 0, 7));
+    const int state = item->getMode() == 1
+        ? item->getValue(QLatin1String(colPortState), port).toInt() - 1
+        : static_cast<int>(item->getBits(static_cast<unsigned int>(port), 0, 7));
     return state >= PortDisabled && state <= PortAis ? static_cast<PortState>(state) : PortDisabled;
 }
 
@@ -677,10 +721,22 @@ bool DemoUnit::portActivity(int port)
     return item->getBit(static_cast<unsigned int>(port), portActivityBit);
 }
 
-int DemoUnit::temperature() { return static_cast<qint16>(static_cast<U16Item *>(statusItem(itemTemperature))->get()); }
-int DemoUnit::load() { return static_cast<U16Item *>(statusItem(itemLoad))->get(); }
-bool DemoUnit::ethernetActivity() { return static_cast<U16Item *>(statusItem(itemEthernet))->get() & 2; }
-unsigned short DemoUnit::unitFirmware() { return static_cast<U16Item *>(statusItem(itemFirmware))->get(); }
+int DemoUnit::temperature()
+{
+    return static_cast<qint16>(static_cast<U16Item *>(statusItem(itemTemperature))->get());
+}
+int DemoUnit::load()
+{
+    return static_cast<U16Item *>(statusItem(itemLoad))->get();
+}
+bool DemoUnit::ethernetActivity()
+{
+    return static_cast<U16Item *>(statusItem(itemEthernet))->get() & 2;
+}
+unsigned short DemoUnit::unitFirmware()
+{
+    return static_cast<U16Item *>(statusItem(itemFirmware))->get();
+}
 
 QDateTime DemoUnit::unitClock()
 {
@@ -716,8 +772,7 @@ QByteArray DemoUnit::configImage()
     QByteArray image(configSize, '\0');
     for (int port = 0; port < portCount; ++port) {
         image[cfgPorts + port] = static_cast<char>((portEnabled(port) ? 1u << portEnabledBit : 0u)
-                                                   | (portCrc4(port) ? 1u << portCrc4Bit : 0u)
-                                                   | (portAmi(port) ? 1u << portAmiBit : 0u));
+            | (portCrc4(port) ? 1u << portCrc4Bit : 0u) | (portAmi(port) ? 1u << portAmiBit : 0u));
     }
     image.replace(cfgIp, 4, Convert::stringToIp(ipAddress()).toLatin1().leftJustified(4, '\0', true));
     image.replace(cfgMask, 4, Convert::stringToIp(subnetMask()).toLatin1().leftJustified(4, '\0', true));
@@ -750,8 +805,7 @@ QString DemoUnit::getFrontPanel()
     // port LEDs, the unit's alarm lamp and its management port, and a level
     // bar for the processor load.
     QStringList entries;
-    entries << QStringLiteral("dimension: 11x3")
-            << QStringLiteral("0x0(background): 222,226,232,11")
+    entries << QStringLiteral("dimension: 11x3") << QStringLiteral("0x0(background): 222,226,232,11")
             << QStringLiteral("0.2x0(text): %1,18").arg(panelText(getParameter(DP_NAME).toString()))
             << QStringLiteral("0x1(interf): %1").arg(isSnmp() ? 1 : 0);
     for (int port = 0; port < portCount; ++port) {
@@ -795,6 +849,7 @@ QString DemoUnit::getFrontPanel()
         entries << QStringLiteral("8x1(db9): 0");
     entries << QStringLiteral("2x2(progressbar): %1,4").arg(answered ? load() : 0)
             << QStringLiteral("tooltip: %1 (%2)")
-                   .arg(panelText(getParameter(DP_NAME).toString()), panelText(getParameter(DP_ADDRESS).toString()));
+                   .arg(panelText(getParameter(DP_NAME).toString()),
+                       panelText(getParameter(DP_ADDRESS).toString()));
     return entries.join(QLatin1Char(';'));
 }

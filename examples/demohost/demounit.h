@@ -31,7 +31,7 @@ public:
     // A unit reached over the serial line (a bus address such as "3") or over
     // SNMP v1 (its IP address).
     DemoUnit(Core::InterfaceProtocolType protocol, const QString &address, unsigned short firmware,
-             QObject *parent = nullptr);
+        QObject *parent = nullptr);
     ~DemoUnit() override;
 
     // The model's part of the descriptor interface.
@@ -49,6 +49,8 @@ public:
     void loadSettingsFile(QString path, bool skipAddresses) override;
     void saveSettingsFile(QString path) override;
     void switchToActive() override;
+    // Also redraws the front panel, whether the level came from a poll or a trap.
+    void setAlarmState(Core::AlarmType alarm) override;
     // Refuses an empty password when the firmware asks for one.
     bool setPassword(QString password) override;
 
@@ -127,7 +129,7 @@ private:
     bool decodeConfig(const QByteArray &payload);
     void writeConfig(const QString &description);
     void runCommand(unsigned char command, const QByteArray &argument, const QString &description,
-                    Core::SystemEvens event);
+        Core::SystemEvens event);
     void statusPollEnded();
     Core::AlarmType alarmFromStatus();
     BaseRawType *configItem(const char *name);
@@ -135,6 +137,7 @@ private:
     bool portFlag(int port, unsigned char bit, const char *column);
     void setPortFlag(int port, unsigned char bit, const char *column, bool on);
     void report(const QString &text, bool ok);
+    void refreshFrontPanel();
 
     QPointer<UnitWindow> unitWindow;
     Tg826 *counters = nullptr;

@@ -16,9 +16,9 @@ G826Page::G826Page(DemoUnit *unit, QWidget *parent)
     , tvwCounters(new QTableView(this))
 {
     tvwCounters->setObjectName(QStringLiteral("tvwCounters"));
-    model->setHorizontalHeaderLabels({tr("EB\nCRC-4"), tr("ES\nCRC-4"), tr("SES\nCRC-4"), tr("AvT\nCRC-4"),
-                                      tr("UnavT\nCRC-4"), tr("EB\nE-bit"), tr("ES\nE-bit"), tr("SES\nE-bit"),
-                                      tr("AvT\nE-bit"), tr("UnavT\nE-bit")});
+    model->setHorizontalHeaderLabels(
+        {tr("EB\nCRC-4"), tr("ES\nCRC-4"), tr("SES\nCRC-4"), tr("AvT\nCRC-4"), tr("UnavT\nCRC-4"),
+            tr("EB\nE-bit"), tr("ES\nE-bit"), tr("SES\nE-bit"), tr("AvT\nE-bit"), tr("UnavT\nE-bit")});
     for (int port = 0; port < UnitLayout::portCount; ++port) {
         QList<QStandardItem *> row;
         for (int column = 0; column < 10; ++column) {
@@ -42,9 +42,9 @@ void G826Page::updateData()
 {
     Tg826 *g = unit->g826();
     using Getter = unsigned int (Tg826::*)(unsigned char);
-    static const Getter getters[10] = {&Tg826::EBCrc4, &Tg826::ESCrc4, &Tg826::SESCrc4, &Tg826::AvTCrc4,
-                                       &Tg826::UnavTCrc4, &Tg826::EBEbit, &Tg826::ESEbit, &Tg826::SESEbit,
-                                       &Tg826::AvTEbit, &Tg826::UnavTEbit};
+    static const Getter getters[10]
+        = {&Tg826::EBCrc4, &Tg826::ESCrc4, &Tg826::SESCrc4, &Tg826::AvTCrc4, &Tg826::UnavTCrc4,
+            &Tg826::EBEbit, &Tg826::ESEbit, &Tg826::SESEbit, &Tg826::AvTEbit, &Tg826::UnavTEbit};
     for (int port = 0; port < UnitLayout::portCount; ++port) {
         for (int column = 0; column < 10; ++column) {
             const unsigned int value = (g->*getters[column])(static_cast<unsigned char>(port));

@@ -45,7 +45,8 @@ constexpr int itemKeyRole = Qt::UserRole + 1;
 
 QString siteName(int site)
 {
-    return site < 26 ? HostWindow::tr("Site %1").arg(QChar('A' + site)) : HostWindow::tr("Site %1").arg(site + 1);
+    return site < 26 ? HostWindow::tr("Site %1").arg(QChar('A' + site))
+                     : HostWindow::tr("Site %1").arg(site + 1);
 }
 
 // Serial units answer to a bus address, SNMP units to an address from the
@@ -61,7 +62,8 @@ QString addressFor(int index, bool snmp)
 
 QString defaultTopologyFile()
 {
-    return QStandardPaths::writableLocation(QStandardPaths::AppConfigLocation) + QStringLiteral("/topology.json");
+    return QStandardPaths::writableLocation(QStandardPaths::AppConfigLocation)
+        + QStringLiteral("/topology.json");
 }
 
 } // namespace
@@ -76,6 +78,7 @@ HostWindow::HostWindow(const Options &options, QWidget *parent)
     , traps(new TrapVisual(this))
     , store(options.topologyFile.isEmpty() ? defaultTopologyFile() : options.topologyFile)
     , scanTimer(new QTimer(this))
+    , alarmPush(new QTimer(this))
 {
     setWindowTitle(tr("MuxCore demo host"));
     // Settings files name their model; files of the older generation find
@@ -98,7 +101,7 @@ HostWindow::HostWindow(const Options &options, QWidget *parent)
         transport->setLineOpen(key, on);
         statusBar()->showMessage(on ? tr("Serial line of %1 opened.").arg(unitName(key))
                                     : tr("Serial line of %1 closed.").arg(unitName(key)),
-                                 5000);
+            5000);
     });
     connect(map, &Map::uiClosed, this, [this](unsigned short key) {
         statusBar()->showMessage(tr("Configuration of %1 closed.").arg(unitName(key)), 5000);
@@ -113,6 +116,9 @@ HostWindow::HostWindow(const Options &options, QWidget *parent)
     connect(topology, &DeviceScene::contextMenu, this, &HostWindow::onDeviceContextMenu);
     connect(topology, &DeviceScene::contextMenuLink, this, &HostWindow::onLinkContextMenu);
     connect(topology, &DeviceScene::togleAlarm, this, [this] { ++blinks; });
+
+    alarmPush->setSingleShot(true);
+    connect(alarmPush, &QTimer::timeout, this, &HostWindow::pushAlarms);
 
     // The map has no timer: repeating the scan is the host's business.
     connect(scanTimer, &QTimer::timeout, this, &HostWindow::startScanPass);
@@ -149,7 +155,7 @@ void HostWindow::buildUi()
     trvDevices->setEditTriggers(QAbstractItemView::NoEditTriggers);
     connect(trvDevices, &QTreeView::activated, this, &HostWindow::onTreeActivated);
     connect(trvDevices->selectionModel(), &QItemSelectionModel::currentChanged, this,
-            [this](const QModelIndex &current) { onTreeCurrentChanged(current); });
+        [this](const QModelIndex &current) { onTreeCurrentChanged(current); });
 
     view = new DeviceGraphicsView(topology);
     view->setObjectName(QStringLiteral("gvwTopology"));
@@ -168,7 +174,7 @@ void HostWindow::buildUi()
     tvwTraps->setSortingEnabled(true);
     tvwTraps->sortByColumn(0, Qt::DescendingOrder);
     tvwTraps->horizontalHeader()->setStretchLastSection(true);
-    tvwTraps->setColumnWidth(0, 170);
+    tvwTraps->setColumnWidth(0, 200);
     tvwTraps->setColumnWidth(1, 110);
     tvwTraps->verticalHeader()->hide();
     tvwTraps->setEditTriggers(QAbstractItemView::NoEditTriggers);
@@ -213,8 +219,9 @@ void HostWindow::buildUi()
     auto *main = new QSplitter(Qt::Vertical);
     main->addWidget(top);
     main->addWidget(trapPanel);
-    main->setStretchFactor(0, 3);
+    main->setStretchFactor(0, 2);
     main->setStretchFactor(1, 1);
+    main->setSizes({480, 240});
     setCentralWidget(main);
 
     lblStatus = new QLabel;
@@ -243,11 +250,9 @@ void HostWindow::buildToolBar()
 
     // The highlight follows the selection along the links.
     highlightGroup = new QActionGroup(this);
-    const QList<QPair<QString, DeviceItem::HighLightMode>> highlights = {
-        {tr("No highlight"), DeviceItem::HighLightOff},
-        {tr("Downstream"), DeviceItem::HighLightForward},
-        {tr("Upstream"), DeviceItem::HighLightBackward},
-        {tr("Both ways"), DeviceItem::HighLightBoth}};
+    const QList<QPair<QString, DeviceItem::HighLightMode>> highlights
+        = {{tr("No highlight"), DeviceItem::HighLightOff}, {tr("Downstream"), DeviceItem::HighLightForward},
+            {tr("Upstream"), DeviceItem::HighLightBackward}, {tr("Both ways"), DeviceItem::HighLightBoth}};
     for (const auto &entry : highlights) {
         QAction *a = bar->addAction(entry.first);
         a->setCheckable(true);
@@ -262,7 +267,8 @@ void HostWindow::buildToolBar()
     bar->addSeparator();
 
     connect(bar->addAction(tr("Zoom in")), &QAction::triggered, this, [this] { view->scale(1.15, 1.15); });
-    connect(bar->addAction(tr("Zoom out")), &QAction::triggered, this, [this] { view->scale(1 / 1.15, 1 / 1.15); });
+    connect(bar->addAction(tr("Zoom out")), &QAction::triggered, this,
+        [this] { view->scale(1 / 1.15, 1 / 1.15); });
     connect(bar->addAction(tr("Fit")), &QAction::triggered, this, [this] {
         view->fitInView(topology->itemsBoundingRect().adjusted(-20, -20, 20, 20), Qt::KeepAspectRatio);
     });
@@ -283,9 +289,10 @@ void HostWindow::buildToolBar()
     });
     QAction *save = bar->addAction(QIcon(QStringLiteral(":/images/save.png")), tr("Save layout"));
     connect(save, &QAction::triggered, this, [this] {
-        statusBar()->showMessage(saveTopology() ? tr("Layout saved to %1.").arg(store.path())
-                                                : tr("The layout could not be saved to %1.").arg(store.path()),
-                                 5000);
+        statusBar()->showMessage(saveTopology()
+                ? tr("Layout saved to %1.").arg(store.path())
+                : tr("The layout could not be saved to %1.").arg(store.path()),
+            5000);
     });
 }
 
@@ -297,7 +304,7 @@ void HostWindow::start()
     addUnits();
     placeUnits();
     trvDevices->expandAll();
-    refreshAlarms();
+    pushAlarms();
     startScanPass();
     scanTimer->start(options.scanPeriodMs);
 }
@@ -312,18 +319,23 @@ void HostWindow::addUnits()
         const bool snmp = i % 2 == 1;
         // One unit needs a password (firmware 2.4), one is exempt from it (2.7).
         const unsigned short firmware = i == 5 ? 0x0204 : (i == 7 ? 0x0207 : 0x0105);
-        auto *device = new DemoUnit(snmp ? Core::IPT_SNMP_V1 : Core::IPT_SERIAL, addressFor(i, snmp), firmware, this);
+        auto *device
+            = new DemoUnit(snmp ? Core::IPT_SNMP_V1 : Core::IPT_SERIAL, addressFor(i, snmp), firmware, this);
         device->setParameter(DeviceDescriptor::DP_NAME, tr("Mux %1").arg(i + 1));
         // The map issues the key, files the unit under its site and connects
         // its signals; from here on the unit is known by its key.
         const unsigned short key = map->addItem(site, device, QVector<QString>());
         keys.append(key);
-        transport->addUnit(key, new SimulatedUnit(i, snmp, firmware));
+        // Serial units have an IP address too, for their own purposes.
+        const QString ip
+            = snmp ? addressFor(i, true) : QStringLiteral("10.1.%1.%2").arg(i / 250).arg(i % 250 + 1);
+        transport->addUnit(key, new SimulatedUnit(i, snmp, firmware, ip));
 
-        connect(device, &DeviceDescriptor::newEvent, this, [this](Core::SystemEvens event, const QString &text) {
-            statusBar()->showMessage(
-                tr("%1: %2").arg(Core::getEventDisplayDictionary().value(event), text), 5000);
-        });
+        connect(
+            device, &DeviceDescriptor::newEvent, this, [this](Core::SystemEvens event, const QString &text) {
+                statusBar()->showMessage(
+                    tr("%1: %2").arg(Core::getEventDisplayDictionary().value(event), text), 5000);
+            });
     }
 }
 
@@ -347,7 +359,7 @@ void HostWindow::placeUnits()
         } else {
             const int site = i / unitsPerSite;
             pos = QPointF(20 + ((site % sitesPerRow) * unitsPerSite + i % unitsPerSite) * cellWidth,
-                          20 + (site / sitesPerRow) * cellHeight);
+                20 + (site / sitesPerRow) * cellHeight);
         }
         topology->addDeviceItem(keys.at(i), device->getFrontPanel(), pos, z);
     }
@@ -411,8 +423,20 @@ void HostWindow::startScanPass()
 
 void HostWindow::refreshAlarms()
 {
+    // Each setAlarmMap() restarts the scene's half-second blink clock, so on a
+    // busy network the host passes the levels on at most once a second;
+    // otherwise the outlines would never get to blink.
+    if (alarmPush->isActive())
+        return;
+    const qint64 since = lastAlarmPush.isValid() ? lastAlarmPush.elapsed() : 1000;
+    alarmPush->start(static_cast<int>(qBound<qint64>(0, 1000 - since, 1000)));
+}
+
+void HostWindow::pushAlarms()
+{
     if (!map)
         return;
+    lastAlarmPush.start();
     QHash<unsigned short, Core::AlarmType> alarms = map->getAlarmMap();
     topology->setAlarmMap(alarms);
     updateStatusLine();
@@ -463,7 +487,8 @@ void HostWindow::onLinkContextMenu(const QPointF &scenePos, unsigned short from,
 {
     QMenu menu(this);
     menu.addSection(tr("%1 to %2").arg(unitName(from), unitName(to)));
-    connect(menu.addAction(tr("Remove link")), &QAction::triggered, topology, &DeviceScene::removeSelectedArrows);
+    connect(
+        menu.addAction(tr("Remove link")), &QAction::triggered, topology, &DeviceScene::removeSelectedArrows);
     menu.exec(view->viewport()->mapToGlobal(view->mapFromScene(scenePos)));
 }
 
@@ -501,7 +526,8 @@ void HostWindow::printTraps()
     QList<QStandardItem *> heading;
     for (int column = 0; column < proxy->columnCount(); ++column) {
         heading << new QStandardItem(
-            QStringLiteral("<b>%1</b>").arg(proxy->headerData(column, Qt::Horizontal).toString().toHtmlEscaped()));
+            QStringLiteral("<b>%1</b>")
+                .arg(proxy->headerData(column, Qt::Horizontal).toString().toHtmlEscaped()));
     }
     table.appendRow(heading);
     for (int row = 0; row < proxy->rowCount(); ++row) {
@@ -575,7 +601,8 @@ void HostWindow::takeScreenshots(const QString &folder)
             return;
         *done = true;
         context->deleteLater();
-        QTimer::singleShot(300, this, [this, folder, key, mainOk] { finishScreenshots(folder, key, mainOk); });
+        QTimer::singleShot(
+            300, this, [this, folder, key, mainOk] { finishScreenshots(folder, key, mainOk); });
     };
     connect(device, &DemoUnit::configRead, context, [configSeen] { *configSeen = true; });
     connect(device, &DemoUnit::statusRead, context, [configSeen, finish] {
@@ -585,7 +612,7 @@ void HostWindow::takeScreenshots(const QString &folder)
     QTimer::singleShot(5000, context, finish);
     device->showUi();
     if (UnitWindow *w = device->configWindow()) {
-        w->resize(900, 540);
+        w->resize(1100, 560);
         w->showPage(QStringLiteral("Statistics.G826"));
     }
 }
@@ -599,6 +626,7 @@ void HostWindow::finishScreenshots(const QString &folder, unsigned short key, bo
     if (device)
         device->closeUi();
     const bool ok = mainOk && configOk;
-    emit screenshotsTaken(ok, ok ? tr("Screenshots written to %1.").arg(QDir(folder).absolutePath())
-                                 : tr("The screenshots could not be written to %1.").arg(folder));
+    emit screenshotsTaken(ok,
+        ok ? tr("Screenshots written to %1.").arg(QDir(folder).absolutePath())
+           : tr("The screenshots could not be written to %1.").arg(folder));
 }

@@ -76,6 +76,7 @@ private:
     void placeUnits();
     void startScanPass();
     void refreshAlarms();
+    void pushAlarms();
     void onTrap(unsigned short key, int alarm, const QHash<QString, QVariant> &variables);
     void onDeviceContextMenu(const QPointF &scenePos, unsigned short key);
     void onLinkContextMenu(const QPointF &scenePos, unsigned short from, unsigned short to);
@@ -94,6 +95,8 @@ private:
     TrapVisual *traps;
     TopologyStore store;
     QTimer *scanTimer;
+    QTimer *alarmPush;
+    QElapsedTimer lastAlarmPush;
     QTreeView *trvDevices;
     QTableView *tvwTraps;
     QLineEdit *leTrapFilter;

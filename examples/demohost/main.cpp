@@ -29,22 +29,19 @@ int main(int argc, char **argv)
         QCoreApplication::translate("main", "Demo host of the MuxCore library on a simulated network."));
     parser.addHelpOption();
     const QCommandLineOption units(QStringLiteral("units"),
-                                   QCoreApplication::translate("main", "Number of simulated units (1 to 2000)."),
-                                   QStringLiteral("N"), QStringLiteral("12"));
+        QCoreApplication::translate("main", "Number of simulated units (1 to 2000)."), QStringLiteral("N"),
+        QStringLiteral("12"));
     const QCommandLineOption seed(QStringLiteral("seed"),
-                                  QCoreApplication::translate("main", "Seed of the simulated traffic."),
-                                  QStringLiteral("N"), QStringLiteral("1"));
-    const QCommandLineOption offscreen(
-        QStringLiteral("offscreen"),
+        QCoreApplication::translate("main", "Seed of the simulated traffic."), QStringLiteral("N"),
+        QStringLiteral("1"));
+    const QCommandLineOption offscreen(QStringLiteral("offscreen"),
         QCoreApplication::translate("main", "Run without a display and write screenshots into DIR."),
         QStringLiteral("DIR"));
-    const QCommandLineOption seconds(
-        QStringLiteral("seconds"),
+    const QCommandLineOption seconds(QStringLiteral("seconds"),
         QCoreApplication::translate("main", "Seconds of traffic before the screenshots (default 4)."),
         QStringLiteral("S"), QStringLiteral("4"));
     const QCommandLineOption layout(QStringLiteral("layout"),
-                                    QCoreApplication::translate("main", "File that keeps the topology layout."),
-                                    QStringLiteral("FILE"));
+        QCoreApplication::translate("main", "File that keeps the topology layout."), QStringLiteral("FILE"));
     parser.addOptions({units, seed, offscreen, seconds, layout});
     parser.process(app);
 
@@ -75,12 +72,14 @@ int main(int argc, char **argv)
 
     if (parser.isSet(offscreen)) {
         const QString folder = parser.value(offscreen);
-        QObject::connect(&window, &HostWindow::screenshotsTaken, &app, [&](bool taken, const QString &message) {
-            QTextStream out(taken ? stdout : stderr);
-            out << message << '\n' << window.statusText() << '\n';
-            app.exit(taken ? 0 : 1);
-        });
-        QTimer::singleShot(static_cast<int>(runSeconds * 1000), &window, [&] { window.takeScreenshots(folder); });
+        QObject::connect(
+            &window, &HostWindow::screenshotsTaken, &app, [&](bool taken, const QString &message) {
+                QTextStream out(taken ? stdout : stderr);
+                out << message << '\n' << window.statusText() << '\n';
+                app.exit(taken ? 0 : 1);
+            });
+        QTimer::singleShot(
+            static_cast<int>(runSeconds * 1000), &window, [&] { window.takeScreenshots(folder); });
     }
     return app.exec();
 }

@@ -27,10 +27,11 @@ PortPage::PortPage(DemoUnit *unit, int port, QWidget *parent)
     form->addRow(tr("Line code"), cbxLineCode);
     form->addRow(tr("State"), lblState);
 
-    connect(chbEnabled, &QCheckBox::toggled, this, [this](bool on) { this->unit->setPortEnabled(this->port, on); });
+    connect(chbEnabled, &QCheckBox::toggled, this,
+        [this](bool on) { this->unit->setPortEnabled(this->port, on); });
     connect(chbCrc4, &QCheckBox::toggled, this, [this](bool on) { this->unit->setPortCrc4(this->port, on); });
     connect(cbxLineCode, QOverload<int>::of(&QComboBox::currentIndexChanged), this,
-            [this](int index) { this->unit->setPortAmi(this->port, index == 1); });
+        [this](int index) { this->unit->setPortAmi(this->port, index == 1); });
     updateData();
 }
 

@@ -14,7 +14,10 @@ namespace {
 enum Family { EB = 0, ES = 1, SES = 2, AVT = 3, UNAVT = 4 };
 constexpr int ebitOffset = 5;
 
-int snmpTruth(bool on) { return on ? 1 : 2; }
+int snmpTruth(bool on)
+{
+    return on ? 1 : 2;
+}
 
 QString portOid(const QString &table, const char *column, int port)
 {
@@ -23,21 +26,20 @@ QString portOid(const QString &table, const char *column, int port)
 
 } // namespace
 
-SimulatedUnit::SimulatedUnit(int index, bool snmp, unsigned short firmware)
+SimulatedUnit::SimulatedUnit(int index, bool snmp, unsigned short firmware, const QString &ip)
     : snmp(snmp)
     , config(configSize, '\0')
     , firmware(firmware)
 {
-    // Two lines in use with CRC-4, two spare; an address in the documentation range.
+    // Two lines in use with CRC-4, two spare.
     for (int port = 0; port < portCount; ++port) {
         unsigned char bits = 0;
         if (port < 2)
             bits |= (1u << portEnabledBit) | (1u << portCrc4Bit);
         config[cfgPorts + port] = static_cast<char>(bits);
     }
-    const QByteArray ip = Convert::stringToIp(QStringLiteral("192.0.2.%1").arg(10 + index % 240)).toLatin1();
     const QByteArray mask = Convert::stringToIp(QStringLiteral("255.255.255.0")).toLatin1();
-    config.replace(cfgIp, 4, ip);
+    config.replace(cfgIp, 4, Convert::stringToIp(ip).toLatin1());
     config.replace(cfgMask, 4, mask);
     const QByteArray label = QStringLiteral("Mux %1").arg(index + 1).toLatin1().left(cfgLabelSize);
     config.replace(cfgLabel, label.size(), label);
@@ -90,8 +92,8 @@ QByteArray SimulatedUnit::statusImage() const
         image[stPortState + port] = static_cast<char>(st);
     }
     image[stAlarms] = static_cast<char>(byte0);
-    image[stAlarms + 1] = static_cast<char>((powerFail ? 1u << alarmPowerBit : 0u)
-                                            | (overTemperature ? 1u << alarmTemperatureBit : 0u));
+    image[stAlarms + 1] = static_cast<char>(
+        (powerFail ? 1u << alarmPowerBit : 0u) | (overTemperature ? 1u << alarmTemperatureBit : 0u));
     auto put16 = [&image](int at, int value) {
         image[at] = static_cast<char>(value & 0xFF);
         image[at + 1] = static_cast<char>((value >> 8) & 0xFF);
@@ -100,7 +102,8 @@ QByteArray SimulatedUnit::statusImage() const
     put16(stLoad, load);
     put16(stEthernet, 1 | (ethernetActivity ? 2 : 0));
     put16(stFirmware, firmware);
-    const QByteArray clock = Convert::dateToString(QDateTime::currentDateTime().addMSecs(clockOffsetMs)).toLatin1();
+    const QByteArray clock
+        = Convert::dateToString(QDateTime::currentDateTime().addMSecs(clockOffsetMs)).toLatin1();
     image.replace(stClock, qMin(clock.size(), 8), clock.left(8));
     for (int family = 0; family < 10; ++family) {
         for (int port = 0; port < portCount; ++port) {
@@ -115,11 +118,13 @@ QByteArray SimulatedUnit::statusImage() const
 QHash<QString, QVariant> SimulatedUnit::variables() const
 {
     QHash<QString, QVariant> vars;
-    vars.insert(oidSystem() + QStringLiteral(".1"), Convert::ipToString(QString::fromLatin1(config.mid(cfgIp, 4))));
+    vars.insert(oidSystem() + QStringLiteral(".1"),
+        Convert::ipToString(QString::fromLatin1(config.constData() + cfgIp, 4)));
     vars.insert(oidSystem() + QStringLiteral(".2"),
-                Convert::ipToString(QString::fromLatin1(config.mid(cfgMask, 4))));
+        Convert::ipToString(QString::fromLatin1(config.constData() + cfgMask, 4)));
     const QByteArray label = config.mid(cfgLabel, cfgLabelSize);
-    vars.insert(oidSystem() + QStringLiteral(".3"), QString::fromLatin1(label.constData(), qstrnlen(label.constData(), label.size())));
+    vars.insert(oidSystem() + QStringLiteral(".3"),
+        QString::fromLatin1(label.constData(), qstrnlen(label.constData(), label.size())));
     for (int port = 0; port < portCount; ++port) {
         const unsigned char bits = static_cast<unsigned char>(config.at(cfgPorts + port));
         vars.insert(portOid(oidPortTable(), colPortEnabled, port), snmpTruth((bits >> portEnabledBit) & 1u));
@@ -137,12 +142,13 @@ QHash<QString, QVariant> SimulatedUnit::variables() const
     vars.insert(oidTemperature() + QStringLiteral(".0"), temperature);
     vars.insert(oidLoad() + QStringLiteral(".0"), load);
     vars.insert(oidEthernet() + QStringLiteral(".0"), 1 | (ethernetActivity ? 2 : 0));
-    vars.insert(oidClock() + QStringLiteral(".0"), Convert::dateToString(QDateTime::currentDateTime().addMSecs(clockOffsetMs)));
+    vars.insert(oidClock() + QStringLiteral(".0"),
+        Convert::dateToString(QDateTime::currentDateTime().addMSecs(clockOffsetMs)));
     vars.insert(oidFirmware() + QStringLiteral(".0"), firmware);
     for (int family = 0; family < 10; ++family) {
         for (int port = 0; port < portCount; ++port) {
             vars.insert(QStringLiteral("%1.1.%2.%3").arg(oidG826()).arg(family + 2).arg(port + 1),
-                        counters[family][port]);
+                counters[family][port]);
         }
     }
     return vars;
@@ -266,7 +272,7 @@ QByteArray SimulatedUnit::handleSnmp(const QByteArray &request)
             if (it.key() == oidControl()) {
                 const int code = it.value().toInt();
                 done = runCommand(static_cast<unsigned char>(code & 0xFF),
-                                  QByteArray(1, static_cast<char>((code >> 8) & 0xFF)))
+                           QByteArray(1, static_cast<char>((code >> 8) & 0xFF)))
                     && done;
             } else if (it.key() == oidClock() + QStringLiteral(".0")) {
                 const QByteArray date = it.value().toString().toLatin1();
@@ -300,9 +306,11 @@ SimulatedUnit::Event SimulatedUnit::makeEvent(const QString &what, int port) con
     Event event;
     event.alarm = alarmLevel();
     // snmpTrapOID.0 names the notification; the rest are its variables.
-    event.variables.insert(QStringLiteral("1.3.6.1.6.3.1.1.4.1.0"), productArc() + QStringLiteral(".0.") + what);
+    event.variables.insert(
+        QStringLiteral("1.3.6.1.6.3.1.1.4.1.0"), productArc() + QStringLiteral(".0.") + what);
     if (port >= 0)
-        event.variables.insert(portOid(oidPortStatus(), colPortState, port), static_cast<int>(portState(port)) + 1);
+        event.variables.insert(
+            portOid(oidPortStatus(), colPortState, port), static_cast<int>(portState(port)) + 1);
     return event;
 }
 

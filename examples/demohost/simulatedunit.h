@@ -27,7 +27,8 @@ public:
         QHash<QString, QVariant> variables;
     };
 
-    SimulatedUnit(int index, bool snmp, unsigned short firmware);
+    // The unit's own IP address is part of its configuration.
+    SimulatedUnit(int index, bool snmp, unsigned short firmware, const QString &ip);
 
     bool isSnmp() const { return snmp; }
     // True while the unit reboots and answers nothing.

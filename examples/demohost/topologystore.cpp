@@ -35,7 +35,8 @@ bool TopologyStore::load()
     for (auto it = units.begin(); it != units.end(); ++it) {
         const QJsonObject entry = it.value().toObject();
         Place place;
-        place.pos = QPointF(entry.value(QLatin1String("x")).toDouble(), entry.value(QLatin1String("y")).toDouble());
+        place.pos
+            = QPointF(entry.value(QLatin1String("x")).toDouble(), entry.value(QLatin1String("y")).toDouble());
         place.z = entry.value(QLatin1String("z")).toDouble();
         places.insert(it.key(), place);
     }
@@ -52,9 +53,9 @@ bool TopologyStore::save() const
 {
     QJsonObject units;
     for (auto it = places.cbegin(); it != places.cend(); ++it) {
-        units.insert(it.key(), QJsonObject {{QStringLiteral("x"), it.value().pos.x()},
-                                            {QStringLiteral("y"), it.value().pos.y()},
-                                            {QStringLiteral("z"), it.value().z}});
+        units.insert(it.key(),
+            QJsonObject {{QStringLiteral("x"), it.value().pos.x()}, {QStringLiteral("y"), it.value().pos.y()},
+                {QStringLiteral("z"), it.value().z}});
     }
     QJsonArray links;
     for (const auto &link : linkList)

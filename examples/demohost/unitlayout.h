@@ -64,29 +64,68 @@ constexpr unsigned char resultRefused = 1;
 
 // SNMP: the documentation enterprise number (RFC 5612) stands in for a
 // vendor's. Everything of the unit lies under the product arc.
-inline QString enterpriseArc() { return QStringLiteral("1.3.6.1.4.1.32473"); }
-inline QString productArc() { return enterpriseArc() + QStringLiteral(".7"); }
+inline QString enterpriseArc()
+{
+    return QStringLiteral("1.3.6.1.4.1.32473");
+}
+inline QString productArc()
+{
+    return enterpriseArc() + QStringLiteral(".7");
+}
 
 // Configuration variables.
-inline QString oidSystem() { return productArc() + QStringLiteral(".2.1"); } // .1 ip, .2 mask, .3 label
-inline QString oidPortTable() { return productArc() + QStringLiteral(".2.2"); } // columns below, rows 1..4
+inline QString oidSystem()
+{
+    return productArc() + QStringLiteral(".2.1");
+} // .1 ip, .2 mask, .3 label
+inline QString oidPortTable()
+{
+    return productArc() + QStringLiteral(".2.2");
+} // columns below, rows 1..4
 constexpr const char *colPortEnabled = "2"; // truth value
 constexpr const char *colPortCrc4 = "3"; // truth value
 constexpr const char *colPortLineCode = "4"; // 1 HDB3, 2 AMI
-inline QString oidControl() { return productArc() + QStringLiteral(".2.9.0"); } // write-only command
+inline QString oidControl()
+{
+    return productArc() + QStringLiteral(".2.9.0");
+} // write-only command
 
 // Status variables.
-inline QString oidAlarms() { return productArc() + QStringLiteral(".3.1"); } // .1 byte 0, .2 byte 1
-inline QString oidPortStatus() { return productArc() + QStringLiteral(".3.2"); } // columns below
+inline QString oidAlarms()
+{
+    return productArc() + QStringLiteral(".3.1");
+} // .1 byte 0, .2 byte 1
+inline QString oidPortStatus()
+{
+    return productArc() + QStringLiteral(".3.2");
+} // columns below
 constexpr const char *colPortState = "2"; // PortState + 1
 constexpr const char *colPortActivity = "3"; // truth value
-inline QString oidTemperature() { return productArc() + QStringLiteral(".3.3"); }
-inline QString oidLoad() { return productArc() + QStringLiteral(".3.4"); }
-inline QString oidEthernet() { return productArc() + QStringLiteral(".3.5"); }
-inline QString oidClock() { return productArc() + QStringLiteral(".3.6"); }
-inline QString oidFirmware() { return productArc() + QStringLiteral(".3.7"); }
+inline QString oidTemperature()
+{
+    return productArc() + QStringLiteral(".3.3");
+}
+inline QString oidLoad()
+{
+    return productArc() + QStringLiteral(".3.4");
+}
+inline QString oidEthernet()
+{
+    return productArc() + QStringLiteral(".3.5");
+}
+inline QString oidClock()
+{
+    return productArc() + QStringLiteral(".3.6");
+}
+inline QString oidFirmware()
+{
+    return productArc() + QStringLiteral(".3.7");
+}
 // The G.826 table sits where the counter item expects it, under the vendor arc.
-inline QString oidG826() { return QStringLiteral(".") + enterpriseArc() + QStringLiteral(".2.21.1.3.2.2"); }
+inline QString oidG826()
+{
+    return QStringLiteral(".") + enterpriseArc() + QStringLiteral(".2.21.1.3.2.2");
+}
 
 // SNMP wire form used between the demo model and its simulated agent: a
 // QDataStream of the operation, the subtree or variables, and the answer's
@@ -95,7 +134,10 @@ enum SnmpOperation : unsigned char { SnmpGet = 1, SnmpSet = 2 };
 
 // Model codes for device settings files.
 constexpr short deviceCode = 0x4E1;
-inline QString modelName() { return QStringLiteral("DemoMux-4E1"); }
+inline QString modelName()
+{
+    return QStringLiteral("DemoMux-4E1");
+}
 
 } // namespace UnitLayout
 

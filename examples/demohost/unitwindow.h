@@ -3,6 +3,9 @@
 
 #include <ui/devicemainwindow.h>
 
+#include <QList>
+#include <QPointer>
+
 class DemoUnit;
 
 // The configuration window of one DemoMux-4E1: the library's frame with
@@ -14,9 +17,13 @@ class UnitWindow : public DeviceMainWindow
     Q_OBJECT
 public:
     explicit UnitWindow(DemoUnit *unit);
+    ~UnitWindow() override;
 
     // Brings the page with this dotted path into view, as a click in the tree would.
     bool showPage(const QString &path);
+
+private:
+    QList<QPointer<QWidget>> pages;
 };
 
 #endif // UNITWINDOW_H
