@@ -38,16 +38,43 @@ G826Page::G826Page(DemoUnit *unit, QWidget *parent)
     updateData();
 }
 
+namespace {
+
+// The ten counter families in the order of the table's columns.
+unsigned int counter(Tg826 *g, int family, unsigned char port)
+{
+    switch (family) {
+    case 0:
+        return g->EBCrc4(port);
+    case 1:
+        return g->ESCrc4(port);
+    case 2:
+        return g->SESCrc4(port);
+    case 3:
+        return g->AvTCrc4(port);
+    case 4:
+        return g->UnavTCrc4(port);
+    case 5:
+        return g->EBEbit(port);
+    case 6:
+        return g->ESEbit(port);
+    case 7:
+        return g->SESEbit(port);
+    case 8:
+        return g->AvTEbit(port);
+    default:
+        return g->UnavTEbit(port);
+    }
+}
+
+} // namespace
+
 void G826Page::updateData()
 {
     Tg826 *g = unit->g826();
-    using Getter = unsigned int (Tg826::*)(unsigned char);
-    static const Getter getters[10]
-        = {&Tg826::EBCrc4, &Tg826::ESCrc4, &Tg826::SESCrc4, &Tg826::AvTCrc4, &Tg826::UnavTCrc4,
-            &Tg826::EBEbit, &Tg826::ESEbit, &Tg826::SESEbit, &Tg826::AvTEbit, &Tg826::UnavTEbit};
     for (int port = 0; port < UnitLayout::portCount; ++port) {
         for (int column = 0; column < 10; ++column) {
-            const unsigned int value = (g->*getters[column])(static_cast<unsigned char>(port));
+            const unsigned int value = counter(g, column, static_cast<unsigned char>(port));
             model->item(port, column)->setData(value, Qt::DisplayRole);
         }
     }

@@ -78,8 +78,8 @@ int main(int argc, char **argv)
                 out << message << '\n' << window.statusText() << '\n';
                 app.exit(taken ? 0 : 1);
             });
-        QTimer::singleShot(
-            static_cast<int>(runSeconds * 1000), &window, [&] { window.takeScreenshots(folder); });
+        QTimer::singleShot(static_cast<int>(runSeconds * 1000), &window,
+            [&window, folder] { window.takeScreenshots(folder); });
     }
     return app.exec();
 }
