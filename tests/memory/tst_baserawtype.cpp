@@ -20,19 +20,88 @@ QByteArray counting(int count)
     return bytes;
 }
 
-// An item with the given geometry holding copy, loaded the way a map does.
-void load(BaseRawType &item, uint itemSize, const Indices &dims, const QByteArray &copy)
+enum Op { Bit, Bits, Int };
+
+// One element access: op at index (one to three indices) with a = bit or
+// offset and b = count. For reads value is the result; for writes it is the
+// value written and after is the copy that must follow.
+struct Access
 {
-    item.setItemSize(itemSize);
-    if (dims.size() == 3)
-        item.setDimension(dims[0], dims[1], dims[2]);
-    QByteArray image = copy;
-    item.setItemsCount(itemSize ? uint(copy.size()) / itemSize : 0);
+    Op op;
+    uint itemSize;
+    Indices dims;
+    QByteArray copy;
+    Indices index;
+    int a;
+    int b;
+    quint64 value;
+    QByteArray after;
+};
+
+// An item with the given geometry holding copy, loaded the way a map does.
+void load(BaseRawType &item, const Access &r)
+{
+    item.setItemSize(r.itemSize);
+    if (r.dims.size() == 3)
+        item.setDimension(r.dims[0], r.dims[1], r.dims[2]);
+    item.setItemsCount(uint(r.copy.size()) / r.itemSize);
+    QByteArray image = r.copy;
     QVERIFY(item.readData(&image));
-    QCOMPARE(item.getLocalCopy(), copy);
 }
 
+quint64 read(BaseRawType &item, const Access &r)
+{
+    const auto a = static_cast<unsigned char>(r.a);
+    const auto b = static_cast<unsigned char>(r.b);
+    const Indices &i = r.index;
+    const int n = i.size();
+    switch (r.op) {
+    case Bit:
+        return n == 1 ? item.getBit(i[0], a)
+            : n == 2  ? item.getBit(i[0], i[1], a)
+                      : item.getBit(i[0], i[1], i[2], a);
+    case Bits:
+        return n == 1 ? item.getBits(i[0], a, b)
+            : n == 2  ? item.getBits(i[0], i[1], a, b)
+                      : item.getBits(i[0], i[1], i[2], a, b);
+    case Int:
+        return n == 1 ? item.getInteger(i[0], a, b)
+            : n == 2  ? item.getInteger(i[0], i[1], a, b)
+                      : item.getInteger(i[0], i[1], i[2], a, b);
+    }
+    return 0;
+}
+
+void write(BaseRawType &item, const Access &r)
+{
+    const auto a = static_cast<unsigned char>(r.a);
+    const auto b = static_cast<unsigned char>(r.b);
+    const Indices &i = r.index;
+    const int n = i.size();
+    const bool on = r.value != 0;
+    switch (r.op) {
+    case Bit:
+        return n == 1 ? item.setBit(i[0], a, on)
+            : n == 2  ? item.setBit(i[0], i[1], a, on)
+                      : item.setBit(i[0], i[1], i[2], a, on);
+    case Bits:
+        return n == 1 ? item.setBits(i[0], a, b, r.value)
+            : n == 2  ? item.setBits(i[0], i[1], a, b, r.value)
+                      : item.setBits(i[0], i[1], i[2], a, b, r.value);
+    case Int:
+        return n == 1 ? item.setInteger(i[0], a, b, r.value)
+            : n == 2  ? item.setInteger(i[0], i[1], a, b, r.value)
+                      : item.setInteger(i[0], i[1], i[2], a, b, r.value);
+    }
+}
+
+const Indices flat;
+const Indices cube {2, 3, 4};
+const uint huge = 0xFFFFFFFF;
+
 } // namespace
+
+Q_DECLARE_METATYPE(Access)
 
 class tst_BaseRawType : public QObject
 {
@@ -47,202 +116,83 @@ private slots:
     void writeImageKeepsLength_data();
     void writeImageKeepsLength();
     void valueHelpers();
-    void prettyLocalCopy();
     void oidForms_data();
     void oidForms();
     void readVariablesBySubstring();
-    void settersOnlyUpdate();
-    void snmpBitFields();
+    void snmpSettersAndBitFields();
     void writeOnlyChanges();
 };
 
 void tst_BaseRawType::read_data()
 {
-    QTest::addColumn<QString>("op");
-    QTest::addColumn<uint>("itemSize");
-    QTest::addColumn<Indices>("dims");
-    QTest::addColumn<QByteArray>("copy");
-    QTest::addColumn<Indices>("index");
-    QTest::addColumn<int>("a");
-    QTest::addColumn<int>("b");
-    QTest::addColumn<quint64>("expected");
-
-    const Indices none;
-    const Indices cube {2, 3, 4};
-    QTest::newRow("bit 9 is bit 1 of the second byte")
-        << "bit" << 2u << none << hex("0002") << Indices {0} << 9 << 0 << quint64(1);
-    QTest::newRow("bit of element 1")
-        << "bit" << 2u << none << hex("00000100") << Indices {1} << 0 << 0 << quint64(1);
-    QTest::newRow("bit past the copy")
-        << "bit" << 1u << none << hex("ff") << Indices {1} << 0 << 0 << quint64(0);
-    QTest::newRow("bits across two bytes")
-        << "bits" << 2u << none << hex("c003") << Indices {0} << 6 << 4 << quint64(0xF);
-    QTest::newRow("bits past the end read 0")
-        << "bits" << 1u << none << hex("ff") << Indices {0} << 4 << 8 << quint64(0x0F);
-    QTest::newRow("bits count 0") << "bits" << 1u << none << hex("ff") << Indices {0} << 0 << 0 << quint64(0);
-    QTest::newRow("bits cut at 8 bytes") << "bits" << 9u << none << hex("ffffffffffffffffff") << Indices {0}
-                                         << 4 << 64 << quint64(0x0FFFFFFFFFFFFFFFULL);
-    QTest::newRow("int little-endian")
-        << "int" << 2u << none << hex("3412") << Indices {0} << 0 << 2 << quint64(0x1234);
-    QTest::newRow("int on a short copy")
-        << "int" << 1u << none << hex("34") << Indices {0} << 0 << 2 << quint64(0x34);
-    QTest::newRow("int element and offset")
-        << "int" << 4u << none << hex("00000000aabbccdd") << Indices {1} << 1 << 2 << quint64(0xCCBB);
-    QTest::newRow("int 8 bytes") << "int" << 8u << none << hex("0102030405060708") << Indices {0} << 0 << 8
-                                 << quint64(0x0807060504030201ULL);
-    QTest::newRow("int count 9 reads 8") << "int" << 9u << none << hex("010203040506070809") << Indices {0}
-                                         << 0 << 9 << quint64(0x0807060504030201ULL);
-    QTest::newRow("2-D element (1, 2)")
-        << "int" << 1u << Indices {2, 3, 1} << counting(6) << Indices {1, 2} << 0 << 1 << quint64(5);
-    QTest::newRow("3-D element (1, 2, 3) is 23")
-        << "int" << 1u << cube << counting(24) << Indices {1, 2, 3} << 0 << 1 << quint64(23);
-    QTest::newRow("3-D with 2-byte elements")
-        << "int" << 2u << cube << counting(48) << Indices {1, 0, 1} << 0 << 2 << quint64(0x1B1A);
-    QTest::newRow("3-D bit") << "bit" << 1u << cube << counting(24) << Indices {0, 2, 1} << 0 << 0
-                             << quint64(1);
-    QTest::newRow("3-D bits") << "bits" << 1u << cube << counting(24) << Indices {1, 1, 1} << 2 << 3
-                              << quint64(4);
-    QTest::newRow("huge index reads 0")
-        << "int" << 4u << cube << counting(24) << Indices {0xFFFFFFFF, 0xFFFFFFFF, 0xFFFFFFFF} << 0 << 4
-        << quint64(0);
+    QTest::addColumn<Access>("r");
+    // clang-format off
+    QTest::newRow("bit 9: bit 1 of byte 2") << Access{Bit, 2, flat, hex("0002"), {0}, 9, 0, 1, {}};
+    QTest::newRow("bit of element 1") << Access{Bit, 2, flat, hex("00000100"), {1}, 0, 0, 1, {}};
+    QTest::newRow("bit past the copy") << Access{Bit, 1, flat, hex("ff"), {1}, 0, 0, 0, {}};
+    QTest::newRow("bits across bytes") << Access{Bits, 2, flat, hex("c003"), {0}, 6, 4, 0xF, {}};
+    QTest::newRow("bits cut at 8 bytes") << Access{Bits, 9, flat, hex("ffffffffffffffffff"), {0}, 4, 64, 0x0FFFFFFFFFFFFFFF, {}};
+    QTest::newRow("int little-endian") << Access{Int, 2, flat, hex("3412"), {0}, 0, 2, 0x1234, {}};
+    QTest::newRow("int on a short copy") << Access{Int, 1, flat, hex("34"), {0}, 0, 2, 0x34, {}};
+    QTest::newRow("int element+offset") << Access{Int, 4, flat, hex("00000000aabbccdd"), {1}, 1, 2, 0xCCBB, {}};
+    QTest::newRow("int count 9 reads 8") << Access{Int, 9, flat, hex("010203040506070809"), {0}, 0, 9, 0x0807060504030201, {}};
+    QTest::newRow("2-D (1, 2)") << Access{Int, 1, {2, 3, 1}, counting(6), {1, 2}, 0, 1, 5, {}};
+    QTest::newRow("3-D (1, 2, 3) is 23") << Access{Int, 1, cube, counting(24), {1, 2, 3}, 0, 1, 23, {}};
+    QTest::newRow("3-D 2-byte elements") << Access{Int, 2, cube, counting(48), {1, 0, 1}, 0, 2, 0x1B1A, {}};
+    QTest::newRow("3-D bits") << Access{Bits, 1, cube, counting(24), {1, 1, 1}, 2, 3, 4, {}};
+    QTest::newRow("huge index reads 0") << Access{Int, 4, cube, counting(24), {huge, huge, huge}, 0, 4, 0, {}};
+    // clang-format on
 }
 
 void tst_BaseRawType::read()
 {
-    QFETCH(QString, op);
-    QFETCH(uint, itemSize);
-    QFETCH(Indices, dims);
-    QFETCH(QByteArray, copy);
-    QFETCH(Indices, index);
-    QFETCH(int, a);
-    QFETCH(int, b);
-    QFETCH(quint64, expected);
-
+    QFETCH(Access, r);
     BaseRawType item;
-    load(item, itemSize, dims, copy);
-    const auto ua = static_cast<unsigned char>(a);
-    const auto ub = static_cast<unsigned char>(b);
-    quint64 result = 0;
-    if (op == "bit") {
-        result = index.size() == 1 ? item.getBit(index[0], ua)
-            : index.size() == 2    ? item.getBit(index[0], index[1], ua)
-                                   : item.getBit(index[0], index[1], index[2], ua);
-    } else if (op == "bits") {
-        result = index.size() == 1 ? item.getBits(index[0], ua, ub)
-            : index.size() == 2    ? item.getBits(index[0], index[1], ua, ub)
-                                   : item.getBits(index[0], index[1], index[2], ua, ub);
-    } else {
-        result = index.size() == 1 ? item.getInteger(index[0], ua, ub)
-            : index.size() == 2    ? item.getInteger(index[0], index[1], ua, ub)
-                                   : item.getInteger(index[0], index[1], index[2], ua, ub);
-    }
-    QCOMPARE(result, expected);
+    load(item, r);
+    QCOMPARE(::read(item, r), r.value);
 }
 
 void tst_BaseRawType::write_data()
 {
-    QTest::addColumn<QString>("op");
-    QTest::addColumn<uint>("itemSize");
-    QTest::addColumn<Indices>("dims");
-    QTest::addColumn<QByteArray>("copy");
-    QTest::addColumn<Indices>("index");
-    QTest::addColumn<int>("a");
-    QTest::addColumn<int>("b");
-    QTest::addColumn<quint64>("value");
-    QTest::addColumn<QByteArray>("expected");
-
-    const Indices none;
-    const Indices cube {2, 3, 4};
+    QTest::addColumn<Access>("r");
     QByteArray lastOfCube(24, '\0');
     lastOfCube[23] = 0x7F;
     QByteArray bitInCube(24, '\0');
-    bitInCube[2 * 4 + 1] = 0x20;
-
-    QTest::newRow("set bit 9") << "bit" << 2u << none << hex("0000") << Indices {0} << 9 << 0 << quint64(1)
-                               << hex("0002");
-    QTest::newRow("clear bit 0") << "bit" << 1u << none << hex("ff") << Indices {0} << 0 << 0 << quint64(0)
-                                 << hex("fe");
-    QTest::newRow("bit past the copy is dropped")
-        << "bit" << 1u << none << hex("00") << Indices {0} << 8 << 0 << quint64(1) << hex("00");
-    QTest::newRow("3-D bit") << "bit" << 1u << cube << QByteArray(24, '\0') << Indices {0, 2, 1} << 5 << 0
-                             << quint64(1) << bitInCube;
-    QTest::newRow("bits value spills, unmasked")
-        << "bits" << 1u << none << hex("00") << Indices {0} << 0 << 4 << quint64(0x1F) << hex("1f");
-    QTest::newRow("bits across bytes keep neighbours")
-        << "bits" << 2u << none << hex("ffff") << Indices {0} << 6 << 4 << quint64(0) << hex("3ffc");
-    QTest::newRow("bits grow the copy with zeros")
-        << "bits" << 1u << none << QByteArray() << Indices {2} << 0 << 8 << quint64(0xAA) << hex("0000aa");
-    QTest::newRow("bits count 0 writes nothing")
-        << "bits" << 1u << none << QByteArray() << Indices {0} << 3 << 0 << quint64(1) << QByteArray();
-    QTest::newRow("int grows the copy")
-        << "int" << 1u << none << QByteArray() << Indices {0} << 2 << 2 << quint64(0xABCD) << hex("0000cdab");
-    QTest::newRow("int inside the copy") << "int" << 4u << none << hex("11223344") << Indices {0} << 1 << 2
-                                         << quint64(0xBEEF) << hex("11efbe44");
-    QTest::newRow("int count 10 pads with zeros")
-        << "int" << 1u << none << QByteArray() << Indices {0} << 0 << 10 << quint64(0x0102030405060708ULL)
-        << hex("08070605040302010000");
-    QTest::newRow("int 3-D last element") << "int" << 1u << cube << QByteArray(24, '\0') << Indices {1, 2, 3}
-                                          << 0 << 1 << quint64(0x7F) << lastOfCube;
-    QTest::newRow("int 2-D element") << "int" << 2u << Indices {2, 2, 1} << QByteArray(8, '\0')
-                                     << Indices {1, 0} << 0 << 2 << quint64(0x0102)
-                                     << hex("0000000002010000");
-    QTest::newRow("huge index writes nothing") << "int" << 4u << none << QByteArray() << Indices {0xFFFFFFFF}
-                                               << 0 << 4 << quint64(1) << QByteArray();
-    QTest::newRow("huge 3-D index writes nothing")
-        << "bits" << 4u << cube << QByteArray() << Indices {0xFFFFFFFF, 0xFFFFFFFF, 0xFFFFFFFF} << 0 << 8
-        << quint64(1) << QByteArray();
+    bitInCube[9] = 0x20;
+    // clang-format off
+    QTest::newRow("set bit 9") << Access{Bit, 2, flat, hex("0000"), {0}, 9, 0, 1, hex("0002")};
+    QTest::newRow("bit past the copy dropped") << Access{Bit, 1, flat, hex("00"), {0}, 8, 0, 1, hex("00")};
+    QTest::newRow("3-D bit") << Access{Bit, 1, cube, QByteArray(24, 0), {0, 2, 1}, 5, 0, 1, bitInCube};
+    QTest::newRow("bits spill, unmasked") << Access{Bits, 1, flat, hex("00"), {0}, 0, 4, 0x1F, hex("1f")};
+    QTest::newRow("bits keep neighbours") << Access{Bits, 2, flat, hex("ffff"), {0}, 6, 4, 0, hex("3ffc")};
+    QTest::newRow("bits grow with zeros") << Access{Bits, 1, flat, {}, {2}, 0, 8, 0xAA, hex("0000aa")};
+    QTest::newRow("bits count 0") << Access{Bits, 1, flat, {}, {0}, 3, 0, 1, {}};
+    QTest::newRow("int grows the copy") << Access{Int, 1, flat, {}, {0}, 2, 2, 0xABCD, hex("0000cdab")};
+    QTest::newRow("int inside the copy") << Access{Int, 4, flat, hex("11223344"), {0}, 1, 2, 0xBEEF, hex("11efbe44")};
+    QTest::newRow("int count 10 pads") << Access{Int, 1, flat, {}, {0}, 0, 10, 0x0102030405060708, hex("08070605040302010000")};
+    QTest::newRow("int 3-D last") << Access{Int, 1, cube, QByteArray(24, 0), {1, 2, 3}, 0, 1, 0x7F, lastOfCube};
+    QTest::newRow("int 2-D") << Access{Int, 2, {2, 2, 1}, QByteArray(8, 0), {1, 0}, 0, 2, 0x0102, hex("0000000002010000")};
+    QTest::newRow("huge index: nothing") << Access{Int, 4, flat, {}, {huge}, 0, 4, 1, {}};
+    QTest::newRow("huge 3-D: nothing") << Access{Bits, 4, cube, {}, {huge, huge, huge}, 0, 8, 1, {}};
+    // clang-format on
 }
 
 void tst_BaseRawType::write()
 {
-    QFETCH(QString, op);
-    QFETCH(uint, itemSize);
-    QFETCH(Indices, dims);
-    QFETCH(QByteArray, copy);
-    QFETCH(Indices, index);
-    QFETCH(int, a);
-    QFETCH(int, b);
-    QFETCH(quint64, value);
-    QFETCH(QByteArray, expected);
-
+    QFETCH(Access, r);
     BaseRawType item;
-    load(item, itemSize, dims, copy);
-    const auto ua = static_cast<unsigned char>(a);
-    const auto ub = static_cast<unsigned char>(b);
-    if (op == "bit") {
-        if (index.size() == 1)
-            item.setBit(index[0], ua, value != 0);
-        else if (index.size() == 2)
-            item.setBit(index[0], index[1], ua, value != 0);
-        else
-            item.setBit(index[0], index[1], index[2], ua, value != 0);
-    } else if (op == "bits") {
-        if (index.size() == 1)
-            item.setBits(index[0], ua, ub, value);
-        else if (index.size() == 2)
-            item.setBits(index[0], index[1], ua, ub, value);
-        else
-            item.setBits(index[0], index[1], index[2], ua, ub, value);
-    } else {
-        if (index.size() == 1)
-            item.setInteger(index[0], ua, ub, value);
-        else if (index.size() == 2)
-            item.setInteger(index[0], index[1], ua, ub, value);
-        else
-            item.setInteger(index[0], index[1], index[2], ua, ub, value);
-    }
-    QCOMPARE(item.getLocalCopy().toHex(), expected.toHex());
+    load(item, r);
+    ::write(item, r);
+    QCOMPARE(item.getLocalCopy().toHex(), r.after.toHex());
 }
 
 void tst_BaseRawType::image_data()
 {
     QTest::addColumn<int>("imageSize");
     QTest::addColumn<bool>("fits");
-
-    // Two-byte elements, three of them, at address 4: bytes 4..9.
+    // Three 2-byte elements at address 4: bytes 4..9.
     QTest::newRow("one byte short") << 9 << false;
     QTest::newRow("exact") << 10 << true;
-    QTest::newRow("longer") << 12 << true;
     QTest::newRow("empty") << 0 << false;
 }
 
@@ -255,15 +205,10 @@ void tst_BaseRawType::image()
     item.setItemSize(2);
     item.setItemsCount(3);
     item.setStartAddress(4u);
-    QCOMPARE(item.getTotalSize(), 6u);
-
-    // Put the item in SNMP mode with a known copy, to see a refused read
-    // leave both alone.
+    // SNMP mode and a known copy, to see a refused read leave both alone.
     QByteArray earlier = hex("aabbccddeeff0102030405");
-    QVERIFY(item.readData(&earlier));
     QHash<QString, QVariant> none;
-    QVERIFY(item.readData(&none));
-    QCOMPARE(item.getMode(), 1u);
+    QVERIFY(item.readData(&earlier) && item.readData(&none));
 
     QByteArray source = counting(imageSize);
     QCOMPARE(item.readData(&source), fits);
@@ -271,25 +216,18 @@ void tst_BaseRawType::image()
     QCOMPARE(item.getMode(), fits ? 0u : 1u);
 
     QByteArray target(imageSize, char(0x55));
-    const QByteArray before = target;
     item.setInteger(0, 0, 2, 0xA1A0);
     QCOMPARE(item.writeData(&target), fits);
-    if (fits) {
-        QByteArray expected = before;
-        expected.replace(4, 6, item.getLocalCopy());
-        QCOMPARE(target, expected);
-    } else {
-        QCOMPARE(target, before);
-    }
+    QCOMPARE(target.toHex(),
+        fits ? QByteArray("55555555a0a1060708095555").left(imageSize * 2)
+             : QByteArray(imageSize, char(0x55)).toHex());
     QVERIFY(!item.readData(static_cast<QByteArray *>(nullptr)));
-    QVERIFY(!item.writeData(static_cast<QByteArray *>(nullptr)));
 }
 
 void tst_BaseRawType::writeImageKeepsLength_data()
 {
     QTest::addColumn<QByteArray>("copy");
     QTest::addColumn<QByteArray>("expected");
-
     // A 3-byte item at address 1 of a 5-byte image of 0xEE.
     QTest::newRow("never read: zeros, as it reads") << QByteArray() << hex("ee000000ee");
     QTest::newRow("short copy padded") << hex("11") << hex("ee110000ee");
@@ -316,25 +254,14 @@ void tst_BaseRawType::valueHelpers()
 {
     QCOMPARE(BaseRawType::getBitsFromData(4, 4, 0xAB), 0xAULL);
     QCOMPARE(BaseRawType::getBitsFromData(4, 0, 0xAB), 0ULL);
-    QCOMPARE(BaseRawType::getBitsFromData(60, 8, 0xF000000000000000ULL), 0xFULL);
     QCOMPARE(BaseRawType::getBitsFromData(64, 8, ~0ULL), 0ULL);
     QCOMPARE(BaseRawType::setBitsToData(4, 4, 0xAB, 0x15), 0x5BULL);
     QCOMPARE(BaseRawType::setBitsToData(4, 0, 0xAB, 0x15), 0xABULL);
     QCOMPARE(BaseRawType::setBitsToData(0, 64, 0, ~0ULL), ~0ULL);
-    QCOMPARE(BaseRawType::setBitsToData(200, 8, 0xAB, 0xFF), 0xABULL);
 
     BaseRawType item;
-    item.setDimension(2, 3);
-    QCOMPARE(item.getItemCount(), 6u);
     item.setDimension(2, 3, 4);
     QCOMPARE(item.getItemCount(), 24u);
-    item.setItemsCount(5);
-    QCOMPARE(item.getItemCount(), 5u);
-}
-
-void tst_BaseRawType::prettyLocalCopy()
-{
-    BaseRawType item;
     QCOMPARE(item.getPrettyLocalCopy(), QString());
     item.setInteger(0, 0, 3, 0x01FF0A);
     QCOMPARE(item.getPrettyLocalCopy(), QStringLiteral("0A FF 01"));
@@ -346,27 +273,18 @@ void tst_BaseRawType::oidForms_data()
     QTest::addColumn<QString>("name");
     QTest::addColumn<int>("index");
     QTest::addColumn<QVariant>("expected");
-
-    QTest::newRow("scalar is S.0") << "scalar"
-                                   << "" << 0 << QVariant(10);
-    QTest::newRow("empty name is S") << "named"
-                                     << "" << 0 << QVariant(11);
-    QTest::newRow("name") << "named"
-                          << "5" << 0 << QVariant(12);
-    QTest::newRow("dotted name") << "named"
-                                 << "2.1" << 0 << QVariant(16);
-    QTest::newRow("row counts from 1") << "row"
-                                       << "5" << 0 << QVariant(13);
-    QTest::newRow("row from zero") << "fromZero"
-                                   << "5" << 0 << QVariant(14);
-    QTest::newRow("no suffix, row from 1") << "nonSufix"
-                                           << "" << 2 << QVariant(15);
-    QTest::newRow("absent is invalid") << "named"
-                                       << "9" << 0 << QVariant();
-    QTest::newRow("negative row") << "row"
-                                  << "5" << -1 << QVariant(14);
-    QTest::newRow("largest row") << "row"
-                                 << "5" << INT_MAX << QVariant(17);
+    // clang-format off
+    QTest::newRow("scalar is S.0") << "scalar" << "" << 0 << QVariant(10);
+    QTest::newRow("empty name is S") << "named" << "" << 0 << QVariant(11);
+    QTest::newRow("name") << "named" << "5" << 0 << QVariant(12);
+    QTest::newRow("dotted name") << "named" << "2.1" << 0 << QVariant(16);
+    QTest::newRow("row counts from 1") << "row" << "5" << 0 << QVariant(13);
+    QTest::newRow("row from zero") << "fromZero" << "5" << 0 << QVariant(14);
+    QTest::newRow("no suffix, row from 1") << "nonSufix" << "" << 2 << QVariant(15);
+    QTest::newRow("absent is invalid") << "named" << "9" << 0 << QVariant();
+    QTest::newRow("negative row") << "row" << "5" << -1 << QVariant(14);
+    QTest::newRow("largest row") << "row" << "5" << INT_MAX << QVariant(17);
+    // clang-format on
 }
 
 void tst_BaseRawType::oidForms()
@@ -383,20 +301,16 @@ void tst_BaseRawType::oidForms()
     item.setStartAddress(QStringLiteral("1.2.3.4"));
     QVERIFY(item.readData(&received));
 
-    QVariant value;
-    if (form == "scalar")
-        value = item.getValue();
-    else if (form == "named")
-        value = item.getValue(name);
-    else if (form == "row")
-        value = item.getValue(name, index);
-    else if (form == "fromZero")
-        value = item.getValueFromZero(name, index);
-    else
-        value = item.getValueNonSufix(index);
-    QCOMPARE(value, expected);
+    const auto get = [&] {
+        return form == "scalar"  ? item.getValue()
+            : form == "named"    ? item.getValue(name)
+            : form == "row"      ? item.getValue(name, index)
+            : form == "fromZero" ? item.getValueFromZero(name, index)
+                                 : item.getValueNonSufix(index);
+    };
+    QCOMPARE(get(), expected);
 
-    // Each setter reaches the variable its getter reads.
+    // Each setter reaches the variable its getter reads, and only that one.
     const QVariant changed(99);
     if (form == "scalar")
         item.setValue(changed);
@@ -408,11 +322,8 @@ void tst_BaseRawType::oidForms()
         item.setValueNonSufix(index, changed);
     else
         return;
-    const QVariant after = form == "scalar" ? item.getValue()
-        : form == "named"                   ? item.getValue(name)
-        : form == "row"                     ? item.getValue(name, index)
-                                            : item.getValueNonSufix(index);
-    QCOMPARE(after, expected.isValid() ? changed : QVariant());
+    QCOMPARE(get(), expected.isValid() ? changed : QVariant());
+    QCOMPARE(item.getSnmpData().size(), received.size());
 }
 
 void tst_BaseRawType::readVariablesBySubstring()
@@ -425,51 +336,35 @@ void tst_BaseRawType::readVariablesBySubstring()
 
     item.setStartAddress(QStringLiteral("1.2.3.4"));
     QVERIFY(item.readData(&first));
-    const QHash<QString, QVariant> taken {{"1.2.3.44.2", 1}, {"9.1.2.3.4.1", 2}};
-    QCOMPARE(item.getSnmpData(), taken);
+    QCOMPARE(item.getSnmpData(), (QHash<QString, QVariant> {{"1.2.3.44.2", 1}, {"9.1.2.3.4.1", 2}}));
 
     // Later reads replace equal OIDs and keep the rest.
     QHash<QString, QVariant> second {{"1.2.3.44.2", 5}, {"1.2.3.4.7", 6}};
     QVERIFY(item.readData(&second));
-    const QHash<QString, QVariant> merged {{"1.2.3.44.2", 5}, {"9.1.2.3.4.1", 2}, {"1.2.3.4.7", 6}};
-    QCOMPARE(item.getSnmpData(), merged);
-
+    QCOMPARE(item.getSnmpData(),
+        (QHash<QString, QVariant> {{"1.2.3.44.2", 5}, {"9.1.2.3.4.1", 2}, {"1.2.3.4.7", 6}}));
     QVERIFY(item.clearSnmpData());
     QVERIFY(item.getSnmpData().isEmpty());
-    QVERIFY(!item.readData(static_cast<QHash<QString, QVariant> *>(nullptr)));
 }
 
-void tst_BaseRawType::settersOnlyUpdate()
-{
-    BaseRawType item;
-    item.setStartAddress(QStringLiteral("1.2.3.4"));
-    item.setValue(QStringLiteral("5"), 0, QVariant(7));
-    item.setValue(QVariant(7));
-    item.setValueNonSufix(0, QVariant(7));
-    item.setValue(QStringLiteral("5"), 0, 1ULL, 0, 2);
-    QVERIFY(item.getSnmpData().isEmpty());
-
-    item.setValueHard(QStringLiteral("5"), 0, QVariant(7));
-    QCOMPARE(item.getSnmpData(), (QHash<QString, QVariant> {{"1.2.3.4.5.1", 7}}));
-    item.setValueHard(QStringLiteral("5"), 0, QVariant(8));
-    QCOMPARE(item.getValue(QStringLiteral("5"), 0), QVariant(8));
-}
-
-void tst_BaseRawType::snmpBitFields()
+void tst_BaseRawType::snmpSettersAndBitFields()
 {
     BaseRawType item;
     item.setStartAddress(QStringLiteral(".1.9"));
-    QHash<QString, QVariant> received {
-        {".1.9.0", 0xF0}, {".1.9.3", QStringLiteral("text")}, {".1.9.4.1", 0x80000001u}};
-    QVERIFY(item.readData(&received));
+    // Nothing delivered yet: setters change nothing, setValueHard inserts.
+    item.setValue(QVariant(7));
+    item.setValue(QStringLiteral("4"), 0, 1ULL, 0, 2);
+    QVERIFY(item.getSnmpData().isEmpty());
+    item.setValueHard(QStringLiteral("4"), 0, 0x80000001u);
+    QCOMPARE(item.getSnmpData(), (QHash<QString, QVariant> {{".1.9.4.1", 0x80000001u}}));
 
+    QHash<QString, QVariant> received {{".1.9.0", 0xF0}, {".1.9.3", QStringLiteral("text")}};
+    QVERIFY(item.readData(&received));
     QCOMPARE(item.getValue(4, 2), 3ULL);
-    QCOMPARE(item.getValue(4, 0), 0ULL);
     QCOMPARE(item.getValue(QStringLiteral("3"), 0, 8), 0ULL); // not a number
     QCOMPARE(item.getValue(QStringLiteral("8"), 0, 8), 0ULL); // absent
     QCOMPARE(item.getValue(QStringLiteral("4"), 0, 31, 1), 1ULL);
     QCOMPARE(item.getValueFromZero(QStringLiteral("4"), 1, 0, 1), 1ULL);
-    QCOMPARE(item.getValueNonSufix(2, 0, 8), 0ULL); // .1.9.3 holds text
 
     item.setValue(1ULL, 0, 2);
     QCOMPARE(item.getValue(), QVariant(qulonglong(0xF1)));
@@ -477,8 +372,6 @@ void tst_BaseRawType::snmpBitFields()
     item.setValue(0x7ULL, 0, 2); // masked to the two bits
     QCOMPARE(item.getValue(), QVariant(qulonglong(0xF3)));
     item.setValue(QStringLiteral("4"), 0, 0ULL, 31, 1);
-    QCOMPARE(item.getValue(QStringLiteral("4"), 0), QVariant(qulonglong(1)));
-    item.setValue(QStringLiteral("4"), 0, 5ULL, 0, 0); // count 0 keeps the value
     QCOMPARE(item.getValue(QStringLiteral("4"), 0), QVariant(qulonglong(1)));
 }
 
@@ -500,19 +393,13 @@ void tst_BaseRawType::writeOnlyChanges()
     QVERIFY(toSend.isEmpty());
 
     item.setValue(QStringLiteral("2"), QVariant(20));
+    lastSent.insert("1.5.1", qulonglong(1)); // equal number, other type: no change
     QVERIFY(item.writeData(&toSend, lastSent));
     QCOMPARE(toSend, (QHash<QString, QVariant> {{"1.5.2", 20}}));
 
-    // A numerically equal value of another type is no change.
-    toSend.clear();
-    lastSent.insert("1.5.1", qulonglong(1));
-    QVERIFY(item.writeData(&toSend, lastSent));
-    QVERIFY(toSend.isEmpty());
-
-    lastSent.clear();
+    lastSent.clear(); // forces a full write
     QVERIFY(item.writeData(&toSend, lastSent));
     QCOMPARE(toSend.size(), 2);
-    QVERIFY(!item.writeData(nullptr, lastSent));
 }
 
 QTEST_GUILESS_MAIN(tst_BaseRawType)

@@ -66,7 +66,6 @@ private slots:
     void variableRoundTrip();
     void json_data();
     void json();
-    void serialiseText();
     void statusMapThroughBothPaths();
 };
 
@@ -74,15 +73,10 @@ void tst_MemoryMap::kindsAndParents()
 {
     QObject owner;
     auto *config = new ConfigMemoryMap(&owner);
-    auto *status = new StatusMemoryMap(&owner);
     ConnectMemoryMap connect(&owner);
     QCOMPARE(config->parent(), &owner);
-    QCOMPARE(status->parent(), &owner);
     QCOMPARE(connect.parent(), nullptr);
-    QCOMPARE(config->metaObject()->className(), "ConfigMemoryMap");
-    QVERIFY(qobject_cast<MemoryMap *>(status));
-    QVERIFY(!qobject_cast<ConfigMemoryMap *>(status));
-    QCOMPARE(connect.metaObject()->superClass()->className(), "MemoryMap");
+    QVERIFY(!qobject_cast<ConfigMemoryMap *>(new StatusMemoryMap(&owner)));
 }
 
 void tst_MemoryMap::itemsAndOwnership()
@@ -114,13 +108,10 @@ void tst_MemoryMap::itemsAndOwnership()
     MemoryMap empty;
     QByteArray image;
     QHash<QString, QVariant> variables;
-    QVERIFY(empty.loadData(&image));
-    QVERIFY(empty.saveData(&image));
-    QVERIFY(empty.loadData(&variables));
-    QVERIFY(empty.saveData(&variables));
+    QVERIFY(empty.loadData(&image) && empty.saveData(&image));
+    QVERIFY(empty.loadData(&variables) && empty.saveData(&variables));
     QVERIFY(empty.deserialise("not json"));
-    QVERIFY(!empty.loadData(static_cast<QByteArray *>(nullptr)));
-    QVERIFY(!empty.saveData(static_cast<QHash<QString, QVariant> *>(nullptr)));
+    QCOMPARE(empty.serialise(), QByteArray("{\n}\n"));
 }
 
 void tst_MemoryMap::imageRoundTrip()
@@ -201,36 +192,19 @@ void tst_MemoryMap::json()
     QFETCH(bool, accepted);
 
     MemoryMap map;
-    if (withScalar) {
-        map.addItem(QStringLiteral("id"), u16(0, QString()));
-    } else {
-        auto *ports = new U8Array;
-        ports->setItemsCount(2);
-        map.addItem(QStringLiteral("ports"), ports);
-    }
+    auto *ports = new U8Array;
+    ports->setItemsCount(2);
+    map.addItem(QStringLiteral("item"), withScalar ? static_cast<BaseRawType *>(u16(0, QString())) : ports);
+    if (withScalar)
+        delete ports;
     QByteArray image(2, '\0');
     QVERIFY(map.loadData(&image));
     QCOMPARE(map.deserialise(text), accepted);
-    if (withScalar)
-        QCOMPARE(int(static_cast<U16Item *>(map.getItem(QStringLiteral("id")))->get()), accepted ? 9 : 0);
-}
-
-void tst_MemoryMap::serialiseText()
-{
-    MemoryMap empty;
-    QCOMPARE(empty.serialise(), QByteArray("{\n}\n"));
-
-    MemoryMap map;
-    map.addItem(QStringLiteral("id"), u16(0, QString()));
-    QByteArray image("\x2a\x00", 2);
-    QVERIFY(map.loadData(&image));
-    const QByteArray text = map.serialise();
-    QCOMPARE(text, QByteArray("{\n    \"baserawtype\": 42\n}\n"));
-
-    MemoryMap copy;
-    copy.addItem(QStringLiteral("id"), u16(0, QString()));
-    QVERIFY(copy.deserialise(text));
-    QCOMPARE(int(static_cast<U16Item *>(copy.getItem(QStringLiteral("id")))->get()), 42);
+    if (!withScalar)
+        return;
+    QCOMPARE(int(static_cast<U16Item *>(map.getItem(QStringLiteral("item")))->get()), accepted ? 9 : 0);
+    QCOMPARE(map.serialise(),
+        QByteArray(accepted ? "{\n    \"baserawtype\": 9\n}\n" : "{\n    \"baserawtype\": 0\n}\n"));
 }
 
 // A status memory as a four-port unit reports it: alarm byte, temperature,

@@ -1,4 +1,3 @@
-#include <memory/variablebase.h>
 #include <memory/variablecontainer.h>
 
 #include <QtTest>
@@ -10,7 +9,6 @@ private slots:
     void variables();
     void tables();
     void addTableReplacesWhole();
-    void variableBase();
 };
 
 void tst_VariableContainer::variables()
@@ -63,14 +61,6 @@ void tst_VariableContainer::addTableReplacesWhole()
     QCOMPARE(container.getValue(QStringLiteral("t"), 5, 6), QVariant(56));
     container.setValue(QStringLiteral("t"), 5, 7, 57);
     QCOMPARE(container.getValue(QStringLiteral("t"), 5, 6), QVariant(56));
-}
-
-void tst_VariableContainer::variableBase()
-{
-    QObject owner;
-    auto *variable = new VariableBase(&owner);
-    QCOMPARE(variable->parent(), &owner);
-    QCOMPARE(variable->metaObject()->className(), "VariableBase");
 }
 
 QTEST_GUILESS_MAIN(tst_VariableContainer)
