@@ -14,7 +14,8 @@ class MUXCORE_EXPORT Core : public QObject
 {
     Q_OBJECT
 public:
-    enum AlarmType {
+    // A fixed underlying type: values outside the table are answered, not undefined.
+    enum AlarmType : int {
         ALARM_OK = 0,
         ALARM_MAJOR = 1,
         ALARM_MINOR = 2,
@@ -67,7 +68,7 @@ public:
         SE_EXPORT_PRINT = 0x71
     };
 
-    enum InterfaceProtocolType {
+    enum InterfaceProtocolType : int {
         IPT_SERIAL = 0,
         IPT_SNMP_V1 = 1,
         IPT_SNMP_V3 = 2,
