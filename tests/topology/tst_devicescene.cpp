@@ -51,13 +51,13 @@ struct Fixture
     }
     QWidget *viewport() { return view.viewport(); }
     QPoint at(qreal x, qreal y) { return view.mapFromScene(QPointF(x, y)); }
-    void drag(QPointF from, QPointF to)
+    void drag(QPointF from, QPointF to, Qt::MouseButton button = Qt::LeftButton)
     {
         // Sent directly: QTest moves carry no buttons on widgets, and it
         // warns about presses on empty space that nothing accepts.
-        send(QEvent::MouseButtonPress, from, Qt::LeftButton, Qt::LeftButton);
-        send(QEvent::MouseMove, to, Qt::NoButton, Qt::LeftButton);
-        send(QEvent::MouseButtonRelease, to, Qt::LeftButton, Qt::NoButton);
+        send(QEvent::MouseButtonPress, from, button, button);
+        send(QEvent::MouseMove, to, Qt::NoButton, button);
+        send(QEvent::MouseButtonRelease, to, button, Qt::NoButton);
     }
     void send(QEvent::Type type, QPointF scenePos, Qt::MouseButton button, Qt::MouseButtons buttons)
     {
@@ -164,12 +164,21 @@ void tst_DeviceScene::linkDrawing_data()
     QTest::addColumn<QPointF>("from");
     QTest::addColumn<QPointF>("to");
     QTest::addColumn<LinkList>("links");
+    QTest::addColumn<int>("button");
 
-    QTest::newRow("between two units") << QPointF(100, 70) << QPointF(350, 80) << LinkList {{1, 2}};
-    QTest::newRow("backwards") << QPointF(350, 80) << QPointF(60, 310) << LinkList {{2, 3}};
-    QTest::newRow("within one unit") << QPointF(60, 60) << QPointF(140, 80) << LinkList();
-    QTest::newRow("unit to empty space") << QPointF(100, 70) << QPointF(600, 500) << LinkList();
-    QTest::newRow("empty space to unit") << QPointF(600, 500) << QPointF(100, 70) << LinkList();
+    QTest::newRow("between two units")
+        << QPointF(100, 70) << QPointF(350, 80) << LinkList {{1, 2}} << int(Qt::LeftButton);
+    QTest::newRow("backwards") << QPointF(350, 80) << QPointF(60, 310) << LinkList {{2, 3}}
+                               << int(Qt::LeftButton);
+    // The press handler takes any button, so other drags link as well.
+    QTest::newRow("middle button") << QPointF(100, 70) << QPointF(350, 80) << LinkList {{1, 2}}
+                                   << int(Qt::MiddleButton);
+    QTest::newRow("within one unit") << QPointF(60, 60) << QPointF(140, 80) << LinkList()
+                                     << int(Qt::LeftButton);
+    QTest::newRow("unit to empty space")
+        << QPointF(100, 70) << QPointF(600, 500) << LinkList() << int(Qt::LeftButton);
+    QTest::newRow("empty space to unit")
+        << QPointF(600, 500) << QPointF(100, 70) << LinkList() << int(Qt::LeftButton);
 }
 
 void tst_DeviceScene::linkDrawing()
@@ -177,11 +186,12 @@ void tst_DeviceScene::linkDrawing()
     QFETCH(QPointF, from);
     QFETCH(QPointF, to);
     QFETCH(LinkList, links);
+    QFETCH(int, button);
 
     Fixture f;
     f.scene.setInsertMode(DeviceScene::LinkMode);
     const int itemCount = f.scene.items().size();
-    f.drag(from, to);
+    f.drag(from, to, Qt::MouseButton(button));
     QCOMPARE(f.scene.getArrowLinkList(), links);
     // No unit was dragged along, and the rubber band is gone.
     QCOMPARE(f.scene.getItemPos(1), QPointF(50, 50));
