@@ -9,9 +9,9 @@
 
 struct DeviceSettingsEx;
 
-// Writes and reads device settings files ("*.dvsf"). The byte layout is
-// fixed: files saved years ago must still load, and files saved now must load
-// in older hosts of the current generation.
+// Writes and reads device settings files ("*.dvsf"). The byte layout never
+// changes: people keep these files for years, and hosts of every release
+// exchange them.
 class MUXCORE_EXPORT SaveSettings
 {
 public:
