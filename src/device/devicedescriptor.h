@@ -144,7 +144,9 @@ public slots:
     virtual void updateStatus() = 0;
     // Polls the alarm level; ends with statusUpdated(), also on failure.
     virtual void updateAlarmStatus(bool isNeedToEmit = true) = 0;
+    // Sets the unit's clock.
     virtual void setDateTime(QDateTime dateTime) = 0;
+    // Clears the unit's error-performance counters.
     virtual void resetStatistics() = 0;
     // Makes the unit show itself, for example by blinking.
     virtual void identify() = 0;
@@ -165,11 +167,13 @@ public:
     virtual void applyChanges() = 0;
     // Restores factory settings, keeping the unit's addresses when asked.
     virtual void toFactory(bool keepAddresses) = 0;
+    // Restarts the unit.
     virtual void restartDevice() = 0;
     // Makes the unit return to its last stored configuration.
     virtual void restoreDevice() = 0;
     // Reads a settings file into the configuration, optionally without addresses.
     virtual void loadSettingsFile(QString path, bool skipAddresses) = 0;
+    // Writes the configuration to a settings file.
     virtual void saveSettingsFile(QString path) = 0;
     // Makes the standby part of a redundant unit the active one.
     virtual void switchToActive() = 0;
