@@ -1,0 +1,632 @@
+#include "hostwindow.h"
+
+#include "demounit.h"
+#include "simulatedunit.h"
+#include "unitwindow.h"
+
+#include <device/map.h>
+#include <storage/savesettings.h>
+#include <topology/devicegraphicsview.h>
+#include <topology/devicescene.h>
+#include <ui/printing.h>
+#include <ui/trapvisual.h>
+
+#include <QAction>
+#include <QActionGroup>
+#include <QCheckBox>
+#include <QCloseEvent>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
+#include <QPushButton>
+#include <QSortFilterProxyModel>
+#include <QSplitter>
+#include <QStandardItemModel>
+#include <QStandardPaths>
+#include <QStatusBar>
+#include <QTableView>
+#include <QTimer>
+#include <QToolBar>
+#include <QTreeView>
+#include <QVBoxLayout>
+
+#include <cmath>
+#include <memory>
+
+namespace {
+
+constexpr int unitsPerSite = 4;
+// The map tree keeps a unit's key under this role, and -1 for a group.
+constexpr int itemKeyRole = Qt::UserRole + 1;
+
+QString siteName(int site)
+{
+    return site < 26 ? HostWindow::tr("Site %1").arg(QChar('A' + site))
+                     : HostWindow::tr("Site %1").arg(site + 1);
+}
+
+// Serial units answer to a bus address, SNMP units to an address from the
+// documentation networks.
+QString addressFor(int index, bool snmp)
+{
+    if (!snmp)
+        return QString::number(index / 2 + 1);
+    static const char *const networks[] = {"192.0.2", "198.51.100", "203.0.113"};
+    const int n = index / 2;
+    return QStringLiteral("%1.%2").arg(QLatin1String(networks[(n / 240) % 3])).arg(10 + n % 240);
+}
+
+QString defaultTopologyFile()
+{
+    return QStandardPaths::writableLocation(QStandardPaths::AppConfigLocation)
+        + QStringLiteral("/topology.json");
+}
+
+} // namespace
+
+HostWindow::HostWindow(const Options &options, QWidget *parent)
+    : QMainWindow(parent)
+    , options(options)
+    , map(new Map(this))
+    , topology(new DeviceScene(this))
+    , view(nullptr)
+    , transport(new SimulatedNetwork(map, options.network, this))
+    , traps(new TrapVisual(this))
+    , store(options.topologyFile.isEmpty() ? defaultTopologyFile() : options.topologyFile)
+    , scanTimer(new QTimer(this))
+    , alarmPush(new QTimer(this))
+{
+    setWindowTitle(tr("MuxCore demo host"));
+    // Settings files name their model; files of the older generation find
+    // their code through this table, which only the host can fill.
+    SaveSettings::deviceCodes.insert(UnitLayout::deviceCode, UnitLayout::modelName());
+    // Room for the whole drawing area in which units may be placed.
+    topology->setSceneRect(0, 0, 2150, 1150);
+    buildUi();
+
+    // The map re-emits every unit's notifications with its key. Alarm
+    // changes go to the scene as a whole map, front panels one by one.
+    connect(map, &Map::alarmStateChanged, this, &HostWindow::refreshAlarms);
+    connect(map, &Map::frontpanel, topology, &DeviceScene::setFrontPanel);
+    connect(map, &Map::updateAlarmFinished, this, [this](unsigned short key) {
+        polls[key] += 1;
+        updateStatusLine();
+    });
+    // The transport opens and closes a unit's serial line when the unit asks.
+    connect(map, &Map::serialState, this, [this](unsigned short key, bool on) {
+        transport->setLineOpen(key, on);
+        statusBar()->showMessage(on ? tr("Serial line of %1 opened.").arg(unitName(key))
+                                    : tr("Serial line of %1 closed.").arg(unitName(key)),
+            5000);
+    });
+    connect(map, &Map::uiClosed, this, [this](unsigned short key) {
+        statusBar()->showMessage(tr("Configuration of %1 closed.").arg(unitName(key)), 5000);
+    });
+    connect(transport, &SimulatedNetwork::trap, this, &HostWindow::onTrap);
+
+    // The scene reports what the user does; the host decides what it means.
+    connect(topology, &DeviceScene::doubleClick, this, [this](unsigned short key) {
+        if (DemoUnit *u = unit(key))
+            u->showUi();
+    });
+    connect(topology, &DeviceScene::contextMenu, this, &HostWindow::onDeviceContextMenu);
+    connect(topology, &DeviceScene::contextMenuLink, this, &HostWindow::onLinkContextMenu);
+    connect(topology, &DeviceScene::togleAlarm, this, [this] { ++blinks; });
+
+    alarmPush->setSingleShot(true);
+    connect(alarmPush, &QTimer::timeout, this, &HostWindow::pushAlarms);
+
+    // The map has no timer: repeating the scan is the host's business.
+    connect(scanTimer, &QTimer::timeout, this, &HostWindow::startScanPass);
+}
+
+HostWindow::~HostWindow()
+{
+    if (started)
+        saveTopology();
+    // Stop the line first, then the map; the units go with this window.
+    delete transport;
+    transport = nullptr;
+    delete map;
+    map = nullptr;
+}
+
+QString HostWindow::unitName(unsigned short key) const
+{
+    DemoUnit *u = unit(key);
+    return u ? u->getParameter(DeviceDescriptor::DP_NAME).toString() : QString();
+}
+
+DemoUnit *HostWindow::unit(unsigned short key) const
+{
+    return map ? qobject_cast<DemoUnit *>(map->getDevice(key)) : nullptr;
+}
+
+void HostWindow::buildUi()
+{
+    trvDevices = new QTreeView;
+    trvDevices->setObjectName(QStringLiteral("trvDevices"));
+    trvDevices->setModel(map->getModel());
+    trvDevices->setHeaderHidden(true);
+    trvDevices->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    connect(trvDevices, &QTreeView::activated, this, &HostWindow::onTreeActivated);
+    connect(trvDevices->selectionModel(), &QItemSelectionModel::currentChanged, this,
+        [this](const QModelIndex &current) { onTreeCurrentChanged(current); });
+
+    view = new DeviceGraphicsView(topology);
+    view->setObjectName(QStringLiteral("gvwTopology"));
+    view->setRenderHint(QPainter::Antialiasing);
+    view->setDragMode(QGraphicsView::RubberBandDrag);
+    view->setToolTip(tr("Ctrl + wheel zooms; double-click a unit to configure it"));
+
+    // The trap list: the library's model behind a proxy that the view shows.
+    tvwTraps = new QTableView;
+    tvwTraps->setObjectName(QStringLiteral("tvwTraps"));
+    QSortFilterProxyModel *proxy = traps->getModel();
+    // The library filters the first column; people look for a unit or an event.
+    proxy->setFilterKeyColumn(-1);
+    proxy->setFilterCaseSensitivity(Qt::CaseInsensitive);
+    tvwTraps->setModel(proxy);
+    tvwTraps->setSortingEnabled(true);
+    tvwTraps->sortByColumn(0, Qt::DescendingOrder);
+    tvwTraps->horizontalHeader()->setStretchLastSection(true);
+    tvwTraps->setColumnWidth(0, 200);
+    tvwTraps->setColumnWidth(1, 110);
+    tvwTraps->verticalHeader()->hide();
+    tvwTraps->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    tvwTraps->setSelectionBehavior(QAbstractItemView::SelectRows);
+
+    leTrapFilter = new QLineEdit;
+    leTrapFilter->setObjectName(QStringLiteral("leTrapFilter"));
+    leTrapFilter->setPlaceholderText(tr("Filter traps (regular expression)"));
+    leTrapFilter->setClearButtonEnabled(true);
+    connect(leTrapFilter, &QLineEdit::textChanged, traps, &TrapVisual::setFilter);
+    chbTrapColors = new QCheckBox(tr("Colour by alarm"));
+    chbTrapColors->setObjectName(QStringLiteral("chbTrapColors"));
+    connect(chbTrapColors, &QCheckBox::toggled, traps, &TrapVisual::showColors);
+    chbTrapColors->setChecked(true);
+    chbTrapFreeze = new QCheckBox(tr("Freeze list"));
+    chbTrapFreeze->setObjectName(QStringLiteral("chbTrapFreeze"));
+    chbTrapFreeze->setToolTip(tr("While frozen, new traps are not added"));
+    connect(chbTrapFreeze, &QCheckBox::toggled, traps, &TrapVisual::trapsOverlap);
+    auto *pbtClear = new QPushButton(tr("Clear"));
+    connect(pbtClear, &QPushButton::clicked, traps, &TrapVisual::clear);
+    auto *pbtPrint = new QPushButton(tr("Print..."));
+    connect(pbtPrint, &QPushButton::clicked, this, &HostWindow::printTraps);
+
+    auto *trapBar = new QHBoxLayout;
+    trapBar->addWidget(new QLabel(tr("Traps")));
+    trapBar->addWidget(leTrapFilter, 1);
+    trapBar->addWidget(chbTrapColors);
+    trapBar->addWidget(chbTrapFreeze);
+    trapBar->addWidget(pbtClear);
+    trapBar->addWidget(pbtPrint);
+    auto *trapPanel = new QWidget;
+    auto *trapLayout = new QVBoxLayout(trapPanel);
+    trapLayout->setContentsMargins(0, 0, 0, 0);
+    trapLayout->addLayout(trapBar);
+    trapLayout->addWidget(tvwTraps);
+
+    auto *top = new QSplitter(Qt::Horizontal);
+    top->addWidget(trvDevices);
+    top->addWidget(view);
+    top->setStretchFactor(1, 1);
+    top->setSizes({220, 1060});
+    auto *main = new QSplitter(Qt::Vertical);
+    main->addWidget(top);
+    main->addWidget(trapPanel);
+    main->setStretchFactor(0, 2);
+    main->setStretchFactor(1, 1);
+    main->setSizes({480, 240});
+    setCentralWidget(main);
+
+    lblStatus = new QLabel;
+    lblStatus->setObjectName(QStringLiteral("lblStatus"));
+    statusBar()->addPermanentWidget(lblStatus);
+    buildToolBar();
+}
+
+void HostWindow::buildToolBar()
+{
+    QToolBar *bar = addToolBar(tr("Topology"));
+    bar->setObjectName(QStringLiteral("tbrTopology"));
+
+    auto *modes = new QActionGroup(this);
+    QAction *select = bar->addAction(tr("Select"));
+    QAction *link = bar->addAction(tr("Draw links"));
+    link->setToolTip(tr("Drag from one unit to another to link them"));
+    for (QAction *a : {select, link}) {
+        a->setCheckable(true);
+        modes->addAction(a);
+    }
+    select->setChecked(true);
+    connect(select, &QAction::triggered, this, [this] { topology->setInsertMode(DeviceScene::SelectMode); });
+    connect(link, &QAction::triggered, this, [this] { topology->setInsertMode(DeviceScene::LinkMode); });
+    bar->addSeparator();
+
+    // The highlight follows the selection along the links.
+    highlightGroup = new QActionGroup(this);
+    const QList<QPair<QString, DeviceItem::HighLightMode>> highlights
+        = {{tr("No highlight"), DeviceItem::HighLightOff}, {tr("Downstream"), DeviceItem::HighLightForward},
+            {tr("Upstream"), DeviceItem::HighLightBackward}, {tr("Both ways"), DeviceItem::HighLightBoth}};
+    for (const auto &entry : highlights) {
+        QAction *a = bar->addAction(entry.first);
+        a->setCheckable(true);
+        a->setChecked(entry.second == DeviceItem::HighLightOff);
+        highlightGroup->addAction(a);
+        const DeviceItem::HighLightMode mode = entry.second;
+        connect(a, &QAction::triggered, this, [this, mode] {
+            topology->setHighlightOff();
+            topology->setHighlight(mode);
+        });
+    }
+    bar->addSeparator();
+
+    connect(bar->addAction(tr("Zoom in")), &QAction::triggered, this, [this] { view->scale(1.15, 1.15); });
+    connect(bar->addAction(tr("Zoom out")), &QAction::triggered, this,
+        [this] { view->scale(1 / 1.15, 1 / 1.15); });
+    connect(bar->addAction(tr("Fit")), &QAction::triggered, this, [this] {
+        view->fitInView(topology->itemsBoundingRect().adjusted(-20, -20, 20, 20), Qt::KeepAspectRatio);
+    });
+    bar->addSeparator();
+
+    QAction *scan = bar->addAction(QIcon(QStringLiteral(":/images/connect.png")), tr("Scan"));
+    scan->setCheckable(true);
+    scan->setChecked(true);
+    scan->setToolTip(tr("Poll every unit in turn, again and again"));
+    connect(scan, &QAction::toggled, this, [this](bool on) {
+        if (on) {
+            startScanPass();
+            scanTimer->start(options.scanPeriodMs);
+        } else {
+            scanTimer->stop();
+            map->stopScan();
+        }
+    });
+    QAction *save = bar->addAction(QIcon(QStringLiteral(":/images/save.png")), tr("Save layout"));
+    connect(save, &QAction::triggered, this, [this] {
+        statusBar()->showMessage(saveTopology()
+                ? tr("Layout saved to %1.").arg(store.path())
+                : tr("The layout could not be saved to %1.").arg(store.path()),
+            5000);
+    });
+}
+
+void HostWindow::start()
+{
+    if (started)
+        return;
+    started = true;
+    addUnits();
+    placeUnits();
+    trvDevices->expandAll();
+    pushAlarms();
+    startScanPass();
+    scanTimer->start(options.scanPeriodMs);
+}
+
+void HostWindow::addUnits()
+{
+    const int count = qBound(1, options.units, 2000);
+    QModelIndex site;
+    for (int i = 0; i < count; ++i) {
+        if (i % unitsPerSite == 0)
+            site = map->addGroup(QModelIndex(), siteName(i / unitsPerSite))->index();
+        const bool snmp = i % 2 == 1;
+        // One unit needs a password (firmware 2.4), one is exempt from it (2.7).
+        const unsigned short firmware = i == 5 ? 0x0204 : (i == 7 ? 0x0207 : 0x0105);
+        auto *device
+            = new DemoUnit(snmp ? Core::IPT_SNMP_V1 : Core::IPT_SERIAL, addressFor(i, snmp), firmware, this);
+        device->setParameter(DeviceDescriptor::DP_NAME, tr("Mux %1").arg(i + 1));
+        // The map issues the key, files the unit under its site and connects
+        // its signals; from here on the unit is known by its key.
+        const unsigned short key = map->addItem(site, device, QVector<QString>());
+        keys.append(key);
+        // Serial units have an IP address too, for their own purposes.
+        const QString ip
+            = snmp ? addressFor(i, true) : QStringLiteral("10.1.%1.%2").arg(i / 250).arg(i % 250 + 1);
+        transport->addUnit(key, new SimulatedUnit(i, snmp, firmware, ip));
+
+        connect(
+            device, &DeviceDescriptor::newEvent, this, [this](Core::SystemEvens event, const QString &text) {
+                statusBar()->showMessage(
+                    tr("%1: %2").arg(Core::getEventDisplayDictionary().value(event), text), 5000);
+            });
+    }
+}
+
+void HostWindow::placeUnits()
+{
+    const bool stored = store.load();
+    const int sites = (keys.size() + unitsPerSite - 1) / unitsPerSite;
+    const int sitesPerRow = qMax(1, static_cast<int>(std::ceil(sites / 8.0)));
+    const int rows = (sites + sitesPerRow - 1) / sitesPerRow;
+    const double cellWidth = qMin(260.0, 1880.0 / (sitesPerRow * unitsPerSite));
+    const double cellHeight = qMin(130.0, 1040.0 / qMax(1, rows));
+
+    for (int i = 0; i < keys.size(); ++i) {
+        DemoUnit *device = unit(keys.at(i));
+        const QString address = device->getParameter(DeviceDescriptor::DP_ADDRESS).toString();
+        QPointF pos;
+        double z = -1.0; // the scene's default stacking
+        if (stored && store.hasPlace(address)) {
+            pos = store.place(address).pos;
+            z = store.place(address).z;
+        } else {
+            const int site = i / unitsPerSite;
+            pos = QPointF(20 + ((site % sitesPerRow) * unitsPerSite + i % unitsPerSite) * cellWidth,
+                20 + (site / sitesPerRow) * cellHeight);
+        }
+        topology->addDeviceItem(keys.at(i), device->getFrontPanel(), pos, z);
+    }
+
+    if (stored) {
+        QHash<QString, unsigned short> byAddress;
+        for (unsigned short key : qAsConst(keys))
+            byAddress.insert(unit(key)->getParameter(DeviceDescriptor::DP_ADDRESS).toString(), key);
+        for (const auto &link : store.links()) {
+            if (byAddress.contains(link.first) && byAddress.contains(link.second))
+                topology->addArrowLink(byAddress.value(link.first), byAddress.value(link.second));
+        }
+        return;
+    }
+    // A first start: each site is a chain, and the sites hang off each other.
+    for (int i = 0; i < keys.size(); ++i) {
+        if (i % unitsPerSite != 0)
+            topology->addArrowLink(keys.at(i - 1), keys.at(i));
+        else if (i > 0)
+            topology->addArrowLink(keys.at(i - unitsPerSite), keys.at(i));
+    }
+}
+
+bool HostWindow::saveTopology()
+{
+    if (!map)
+        return false;
+    store.clear();
+    QHash<unsigned short, QString> addresses;
+    for (unsigned short key : qAsConst(keys)) {
+        DemoUnit *device = unit(key);
+        if (!device)
+            continue;
+        const QString address = device->getParameter(DeviceDescriptor::DP_ADDRESS).toString();
+        addresses.insert(key, address);
+        store.setPlace(address, {topology->getItemPos(key), topology->getItemZ(key)});
+    }
+    QList<QPair<QString, QString>> links;
+    for (const auto &link : topology->getArrowLinkList()) {
+        if (addresses.contains(link.first) && addresses.contains(link.second))
+            links.append(qMakePair(addresses.value(link.first), addresses.value(link.second)));
+    }
+    store.setLinks(links);
+    return store.save();
+}
+
+void HostWindow::startScanPass()
+{
+    if (map->scanInproccess()) {
+        // A unit that never reports back would hold the pass for ever; the
+        // map has no time-out, so the host gives up on the pass and begins anew.
+        if (!passClock.isValid() || passClock.elapsed() < 20 * options.scanPeriodMs)
+            return;
+        map->stopScan();
+    }
+    passClock.start();
+    ++passes;
+    map->startScan();
+    updateStatusLine();
+}
+
+void HostWindow::refreshAlarms()
+{
+    // Each setAlarmMap() restarts the scene's half-second blink clock, so on a
+    // busy network the host passes the levels on at most once a second;
+    // otherwise the outlines would never get to blink.
+    if (alarmPush->isActive())
+        return;
+    const qint64 since = lastAlarmPush.isValid() ? lastAlarmPush.elapsed() : 1000;
+    alarmPush->start(static_cast<int>(qBound<qint64>(0, 1000 - since, 1000)));
+}
+
+void HostWindow::pushAlarms()
+{
+    if (!map)
+        return;
+    lastAlarmPush.start();
+    QHash<unsigned short, Core::AlarmType> alarms = map->getAlarmMap();
+    topology->setAlarmMap(alarms);
+    updateStatusLine();
+}
+
+void HostWindow::onTrap(unsigned short key, int alarm, const QHash<QString, QVariant> &variables)
+{
+    DemoUnit *device = unit(key);
+    if (!device)
+        return;
+    const QString address = device->getParameter(DeviceDescriptor::DP_ADDRESS).toString();
+    TrapVisualUnit trap;
+    trap.identifier = key;
+    trap.deviceName = device->getParameter(DeviceDescriptor::DP_NAME).toString();
+    trap.alarm = static_cast<quint8>(alarm);
+    trap.variables = variables;
+    trap.prefix = address;
+    traps->setTrap(trap);
+    ++trapCount;
+    // The trap carries the unit's new level: show it now rather than at the next poll.
+    map->setAlarm(address, static_cast<Core::AlarmType>(alarm));
+    updateStatusLine();
+}
+
+void HostWindow::onDeviceContextMenu(const QPointF &scenePos, unsigned short key)
+{
+    DemoUnit *device = unit(key);
+    if (!device)
+        return;
+    QMenu menu(this);
+    menu.addSection(device->getParameter(DeviceDescriptor::DP_NAME).toString());
+    connect(menu.addAction(tr("Configure...")), &QAction::triggered, device, &DemoUnit::showUi);
+    connect(menu.addAction(tr("Identify")), &QAction::triggered, device, &DemoUnit::identify);
+    connect(menu.addAction(tr("Poll now")), &QAction::triggered, device, &DemoUnit::updateStatus);
+    if (!device->isSnmp()) {
+        QAction *line = menu.addAction(tr("Serial line open"));
+        line->setCheckable(true);
+        line->setChecked(device->getSerialState());
+        connect(line, &QAction::toggled, this, [this, key](bool on) { map->setSerialState(key, on); });
+    }
+    menu.addSeparator();
+    connect(menu.addAction(tr("Bring to front")), &QAction::triggered, topology, &DeviceScene::bringToFront);
+    connect(menu.addAction(tr("Send to back")), &QAction::triggered, topology, &DeviceScene::sendToBack);
+    menu.exec(view->viewport()->mapToGlobal(view->mapFromScene(scenePos)));
+}
+
+void HostWindow::onLinkContextMenu(const QPointF &scenePos, unsigned short from, unsigned short to)
+{
+    QMenu menu(this);
+    menu.addSection(tr("%1 to %2").arg(unitName(from), unitName(to)));
+    connect(
+        menu.addAction(tr("Remove link")), &QAction::triggered, topology, &DeviceScene::removeSelectedArrows);
+    menu.exec(view->viewport()->mapToGlobal(view->mapFromScene(scenePos)));
+}
+
+void HostWindow::onTreeActivated(const QModelIndex &index)
+{
+    const int key = index.data(itemKeyRole).toInt();
+    if (key < 0)
+        return;
+    if (DemoUnit *device = unit(static_cast<unsigned short>(key)))
+        device->showUi();
+}
+
+void HostWindow::onTreeCurrentChanged(const QModelIndex &index)
+{
+    topology->setHighlightGroup(groupHighlighted, false);
+    groupHighlighted.clear();
+    if (!index.isValid())
+        return;
+    const int key = index.data(itemKeyRole).toInt();
+    if (key >= 0) {
+        topology->setSelected(static_cast<unsigned short>(key));
+        return;
+    }
+    // A site: tint all its units on the drawing.
+    map->getGroupItemList(index, groupHighlighted);
+    topology->setHighlightGroup(groupHighlighted, true);
+}
+
+void HostWindow::printTraps()
+{
+    // Print what the user sees (filtered, in view order), with a heading row,
+    // since the printer takes a plain table without headers.
+    QSortFilterProxyModel *proxy = traps->getModel();
+    QStandardItemModel table;
+    QList<QStandardItem *> heading;
+    for (int column = 0; column < proxy->columnCount(); ++column) {
+        heading << new QStandardItem(
+            QStringLiteral("<b>%1</b>")
+                .arg(proxy->headerData(column, Qt::Horizontal).toString().toHtmlEscaped()));
+    }
+    table.appendRow(heading);
+    for (int row = 0; row < proxy->rowCount(); ++row) {
+        QList<QStandardItem *> cells;
+        for (int column = 0; column < proxy->columnCount(); ++column)
+            cells << new QStandardItem(proxy->index(row, column).data().toString().toHtmlEscaped());
+        table.appendRow(cells);
+    }
+    Printing printing;
+    printing.setModel(&table);
+    printing.print(this);
+}
+
+QString HostWindow::statusText() const
+{
+    int inAlarm = 0;
+    if (map) {
+        const QHash<unsigned short, Core::AlarmType> alarms = map->getAlarmMap();
+        for (Core::AlarmType alarm : alarms)
+            inAlarm += alarm != Core::ALARM_OK ? 1 : 0;
+    }
+    int polled = 0;
+    for (int n : polls)
+        polled += n;
+    return tr("%1 units | scan pass %2 | %3 polls | %4 replies lost | %5 in alarm | %6 traps")
+        .arg(keys.size())
+        .arg(passes)
+        .arg(polled)
+        .arg(transport ? transport->errorCount() : 0)
+        .arg(inAlarm)
+        .arg(trapCount);
+}
+
+void HostWindow::updateStatusLine()
+{
+    lblStatus->setText(statusText());
+}
+
+void HostWindow::closeEvent(QCloseEvent *event)
+{
+    // Configuration windows are top-level windows of their own.
+    for (unsigned short key : qAsConst(keys)) {
+        if (DemoUnit *device = unit(key))
+            device->closeUi();
+    }
+    QMainWindow::closeEvent(event);
+}
+
+void HostWindow::takeScreenshots(const QString &folder)
+{
+    if (!QDir().mkpath(folder)) {
+        emit screenshotsTaken(false, tr("Cannot create the folder %1.").arg(folder));
+        return;
+    }
+    view->fitInView(topology->itemsBoundingRect().adjusted(-20, -20, 20, 20), Qt::KeepAspectRatio);
+    const bool mainOk = grab().save(QDir(folder).filePath(QStringLiteral("mainwindow.png")));
+
+    // The configuration window of the first unit, on its statistics page,
+    // once it has read the unit.
+    const unsigned short key = keys.value(0);
+    DemoUnit *device = unit(key);
+    if (!device) {
+        emit screenshotsTaken(false, tr("There is no unit to configure."));
+        return;
+    }
+    auto done = std::make_shared<bool>(false);
+    auto configSeen = std::make_shared<bool>(false);
+    auto *context = new QObject(this);
+    auto finish = [this, folder, key, mainOk, done, context] {
+        if (*done)
+            return;
+        *done = true;
+        context->deleteLater();
+        QTimer::singleShot(
+            300, this, [this, folder, key, mainOk] { finishScreenshots(folder, key, mainOk); });
+    };
+    connect(device, &DemoUnit::configRead, context, [configSeen] { *configSeen = true; });
+    connect(device, &DemoUnit::statusRead, context, [configSeen, finish] {
+        if (*configSeen)
+            finish();
+    });
+    QTimer::singleShot(5000, context, finish);
+    device->showUi();
+    if (UnitWindow *w = device->configWindow()) {
+        w->resize(1100, 560);
+        w->showPage(QStringLiteral("Statistics.G826"));
+    }
+}
+
+void HostWindow::finishScreenshots(const QString &folder, unsigned short key, bool mainOk)
+{
+    DemoUnit *device = unit(key);
+    UnitWindow *w = device ? device->configWindow() : nullptr;
+    const QString configPath = QDir(folder).filePath(QStringLiteral("configwindow.png"));
+    const bool configOk = w && w->grab().save(configPath);
+    if (device)
+        device->closeUi();
+    const bool ok = mainOk && configOk;
+    emit screenshotsTaken(ok,
+        ok ? tr("Screenshots written to %1.").arg(QDir(folder).absolutePath())
+           : tr("The screenshots could not be written to %1.").arg(folder));
+}
