@@ -54,6 +54,15 @@ private:
     QTimer poll;
 };
 
+// Wraps an answer for one kind of modal window; any other kind is left to time out.
+template<typename T> std::function<void(QWidget *)> as(std::function<void(T *)> answer)
+{
+    return [answer](QWidget *modal) {
+        if (auto *typed = qobject_cast<T *>(modal))
+            answer(typed);
+    };
+}
+
 // Types a file name into a Qt file dialog and accepts it. selectFile() is no
 // use once the name field has the focus: it then leaves the field alone.
 inline void chooseFile(QFileDialog *dialog, const QString &path)
