@@ -25,14 +25,10 @@ private slots:
     void crc32_data();
     void crc32();
     void crc32SignExtendsHighBytes();
-    void ipRoundTrip_data();
-    void ipRoundTrip();
-    void macRoundTrip_data();
-    void macRoundTrip();
-    void validateIp_data();
-    void validateIp();
-    void validateSubnetMask_data();
-    void validateSubnetMask();
+    void addressRoundTrip_data();
+    void addressRoundTrip();
+    void validate_data();
+    void validate();
     void dateToString_data();
     void dateToString();
     void strToDate_data();
@@ -73,12 +69,18 @@ void tst_Convert::cmdRecord_data()
     QTest::addColumn<QString>("name");
     QTest::addColumn<QString>("value");
 
-    QTest::newRow("two parts") << "a<@>b" << true << "a" << "b";
-    QTest::newRow("three parts") << "a<@>b<@>c" << false << "keep" << "keep";
-    QTest::newRow("empty value dropped") << "a<@>" << false << "keep" << "keep";
-    QTest::newRow("empty middle dropped") << "a<@><@>b" << true << "a" << "b";
-    QTest::newRow("no separator") << "ab" << false << "keep" << "keep";
-    QTest::newRow("separator is exact") << "a<@ >b" << false << "keep" << "keep";
+    QTest::newRow("two parts") << "a<@>b" << true << "a"
+                               << "b";
+    QTest::newRow("three parts") << "a<@>b<@>c" << false << "keep"
+                                 << "keep";
+    QTest::newRow("empty value dropped") << "a<@>" << false << "keep"
+                                         << "keep";
+    QTest::newRow("empty middle dropped") << "a<@><@>b" << true << "a"
+                                          << "b";
+    QTest::newRow("no separator") << "ab" << false << "keep"
+                                  << "keep";
+    QTest::newRow("separator is exact") << "a<@ >b" << false << "keep"
+                                        << "keep";
     QTest::newRow("made by makeCmdRecord") << Convert::makeCmdRecord("ip", "10.0.0.1") << true << "ip"
                                            << "10.0.0.1";
 }
@@ -131,92 +133,68 @@ void tst_Convert::crc32SignExtendsHighBytes()
     QVERIFY(got != QByteArray::fromHex("2e6bd2b0"));
 }
 
-void tst_Convert::ipRoundTrip_data()
+void tst_Convert::addressRoundTrip_data()
 {
+    QTest::addColumn<bool>("mac");
     QTest::addColumn<QString>("raw");
     QTest::addColumn<QString>("text");
 
-    QTest::newRow("private") << bytes("c0a80101") << "192.168.1.1";
-    QTest::newRow("zeros") << bytes("00000000") << "0.0.0.0";
-    QTest::newRow("broadcast") << bytes("ffffffff") << "255.255.255.255";
+    QTest::newRow("ip private") << false << bytes("c0a80101") << "192.168.1.1";
+    QTest::newRow("ip zeros") << false << bytes("00000000") << "0.0.0.0";
+    QTest::newRow("ip broadcast") << false << bytes("ffffffff") << "255.255.255.255";
+    QTest::newRow("mac mixed") << true << bytes("001a2b3c4d5e") << "00:1a:2b:3c:4d:5e";
+    QTest::newRow("mac high bytes") << true << bytes("ffeeddccbbaa") << "ff:ee:dd:cc:bb:aa";
 }
 
-void tst_Convert::ipRoundTrip()
+void tst_Convert::addressRoundTrip()
 {
+    QFETCH(bool, mac);
     QFETCH(QString, raw);
     QFETCH(QString, text);
-    QCOMPARE(Convert::ipToString(raw), text);
-    QCOMPARE(Convert::stringToIp(text), raw);
-    // Only the first four bytes count; fewer give nothing.
-    QCOMPARE(Convert::ipToString(raw + QChar(9)), text);
-    QCOMPARE(Convert::ipToString(raw.left(3)), QString());
+    const auto toText = mac ? Convert::macToString : Convert::ipToString;
+    const auto toRaw = mac ? Convert::stringToMac : Convert::stringToIp;
+    QCOMPARE(toText(raw), text);
+    QCOMPARE(toRaw(text), raw);
+    QCOMPARE(toRaw(text.toUpper()), raw);
+    // Only the leading bytes count; fewer give nothing.
+    QCOMPARE(toText(raw + QChar(9)), text);
+    QCOMPARE(toText(raw.left(raw.size() - 1)), QString());
 }
 
-void tst_Convert::macRoundTrip_data()
+void tst_Convert::validate_data()
 {
-    QTest::addColumn<QString>("raw");
-    QTest::addColumn<QString>("text");
-
-    QTest::newRow("mixed") << bytes("001a2b3c4d5e") << "00:1a:2b:3c:4d:5e";
-    QTest::newRow("high bytes") << bytes("ffeeddccbbaa") << "ff:ee:dd:cc:bb:aa";
-}
-
-void tst_Convert::macRoundTrip()
-{
-    QFETCH(QString, raw);
-    QFETCH(QString, text);
-    QCOMPARE(Convert::macToString(raw), text);
-    QCOMPARE(Convert::stringToMac(text), raw);
-    QCOMPARE(Convert::stringToMac(text.toUpper()), raw);
-    QCOMPARE(Convert::macToString(raw.left(5)), QString());
-}
-
-void tst_Convert::validateIp_data()
-{
+    QTest::addColumn<bool>("mask");
     QTest::addColumn<QString>("text");
     QTest::addColumn<bool>("valid");
 
-    QTest::newRow("plain") << "192.168.1.1" << true;
-    QTest::newRow("zeros") << "0.0.0.0" << true;
-    QTest::newRow("three parts") << "192.168.1" << false;
-    QTest::newRow("five parts") << "1.2.3.4.5" << false;
-    QTest::newRow("empty part") << "192.168..1" << false;
-    QTest::newRow("trailing dot") << "1.2.3.4." << false;
-    QTest::newRow("over 255") << "256.1.1.1" << false;
-    QTest::newRow("leading blank") << " 192.168.1.1" << false;
-    QTest::newRow("sign") << "+1.2.3.4" << false;
-    QTest::newRow("letters") << "a.b.c.d" << false;
-    QTest::newRow("empty") << "" << false;
-    QTest::newRow("huge number") << "99999999999999999999.1.1.1" << false;
+    QTest::newRow("ip plain") << false << "192.168.1.1" << true;
+    QTest::newRow("ip zeros") << false << "0.0.0.0" << true;
+    QTest::newRow("ip three parts") << false << "192.168.1" << false;
+    QTest::newRow("ip five parts") << false << "1.2.3.4.5" << false;
+    QTest::newRow("ip empty part") << false << "192.168..1" << false;
+    QTest::newRow("ip trailing dot") << false << "1.2.3.4." << false;
+    QTest::newRow("ip over 255") << false << "256.1.1.1" << false;
+    QTest::newRow("ip leading blank") << false << " 192.168.1.1" << false;
+    QTest::newRow("ip sign") << false << "+1.2.3.4" << false;
+    QTest::newRow("ip letters") << false << "a.b.c.d" << false;
+    QTest::newRow("ip empty") << false << "" << false;
+    QTest::newRow("ip huge number") << false << "99999999999999999999.1.1.1" << false;
+    QTest::newRow("mask class c") << true << "255.255.255.0" << true;
+    QTest::newRow("mask slash 20") << true << "255.255.240.0" << true;
+    QTest::newRow("mask all ones") << true << "255.255.255.255" << true;
+    QTest::newRow("mask all zeros") << true << "0.0.0.0" << true;
+    QTest::newRow("mask hole at the end") << true << "255.255.0.255" << false;
+    QTest::newRow("mask alternating") << true << "255.0.255.0" << false;
+    QTest::newRow("mask one stray bit") << true << "0.0.0.1" << false;
+    QTest::newRow("mask not an address") << true << "255.255.255" << false;
 }
 
-void tst_Convert::validateIp()
+void tst_Convert::validate()
 {
+    QFETCH(bool, mask);
     QFETCH(QString, text);
     QFETCH(bool, valid);
-    QCOMPARE(Convert::validateIP(text), valid);
-}
-
-void tst_Convert::validateSubnetMask_data()
-{
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<bool>("valid");
-
-    QTest::newRow("class c") << "255.255.255.0" << true;
-    QTest::newRow("slash 20") << "255.255.240.0" << true;
-    QTest::newRow("all ones") << "255.255.255.255" << true;
-    QTest::newRow("all zeros") << "0.0.0.0" << true;
-    QTest::newRow("hole at the end") << "255.255.0.255" << false;
-    QTest::newRow("alternating") << "255.0.255.0" << false;
-    QTest::newRow("one stray bit") << "0.0.0.1" << false;
-    QTest::newRow("not an address") << "255.255.255" << false;
-}
-
-void tst_Convert::validateSubnetMask()
-{
-    QFETCH(QString, text);
-    QFETCH(bool, valid);
-    QCOMPARE(Convert::validateSubnetMask(text), valid);
+    QCOMPARE(mask ? Convert::validateSubnetMask(text) : Convert::validateIP(text), valid);
 }
 
 void tst_Convert::dateToString_data()
@@ -224,10 +202,10 @@ void tst_Convert::dateToString_data()
     QTest::addColumn<QDateTime>("when");
     QTest::addColumn<QString>("raw");
 
-    QTest::newRow("cut at zero second") << QDateTime(QDate(2024, 3, 5), QTime(10, 20, 0))
-                                        << bytes("07e803050a14");
-    QTest::newRow("full")
-        << QDateTime(QDate(2024, 12, 31), QTime(23, 59, 58, 7)) << bytes("07e80c1f173b3a07");
+    QTest::newRow("cut at zero second")
+        << QDateTime(QDate(2024, 3, 5), QTime(10, 20, 0)) << bytes("07e803050a14");
+    QTest::newRow("full") << QDateTime(QDate(2024, 12, 31), QTime(23, 59, 58, 7))
+                          << bytes("07e80c1f173b3a07");
     QTest::newRow("milliseconds keep low byte")
         << QDateTime(QDate(2024, 1, 2), QTime(3, 4, 5, 300)) << bytes("07e80102030405") + QChar(300 & 0xFF);
     QTest::newRow("midnight") << QDateTime(QDate(2024, 1, 2), QTime(0, 0)) << bytes("07e80102");
@@ -245,7 +223,8 @@ void tst_Convert::strToDate_data()
     QTest::addColumn<QString>("raw");
     QTest::addColumn<QDateTime>("expected");
 
-    QTest::newRow("full") << bytes("07e80c1f173b3a07") << QDateTime(QDate(2024, 12, 31), QTime(23, 59, 58, 7));
+    QTest::newRow("full") << bytes("07e80c1f173b3a07")
+                          << QDateTime(QDate(2024, 12, 31), QTime(23, 59, 58, 7));
     QTest::newRow("shortened") << bytes("07e803050a14") << QDateTime(QDate(2024, 3, 5), QTime(10, 20, 0));
     QTest::newRow("too short") << bytes("07e8") << QDateTime(QDate(2024, 0, 0), QTime(0, 0));
     QTest::newRow("empty") << QString() << QDateTime(QDate(0, 0, 0), QTime(0, 0));

@@ -4,7 +4,6 @@
 #include <device/map.h>
 #include <device/mapserialise.h>
 
-#include <QElapsedTimer>
 #include <QItemSelectionModel>
 #include <QMetaMethod>
 #include <QPointer>
@@ -39,17 +38,11 @@ TestDevice *named(const QString &name, const QString &address = QString())
     return device;
 }
 
-// Processor time of this thread: the machine is shared, so wall time says
+// Processor time, not wall time: the machine is shared, so wall time says
 // more about the neighbours than about the map.
 qint64 cpuMs()
 {
-#if defined(Q_OS_UNIX)
-    timespec ts {};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &ts);
-    return qint64(ts.tv_sec) * 1000 + ts.tv_nsec / 1000000;
-#else
-    return QDateTime::currentMSecsSinceEpoch();
-#endif
+    return qint64(std::clock()) * 1000 / CLOCKS_PER_SEC;
 }
 
 #if defined(__SANITIZE_ADDRESS__)
@@ -70,7 +63,6 @@ private slots:
     void containsAddress_data();
     void containsAddress();
     void requestRoundTrip();
-    void answerForRemovedUnitIsDropped();
     void relays_data();
     void relays();
     void addressCheckCycle();
@@ -104,12 +96,7 @@ void tst_Map::keys()
     QCOMPARE(map.getItemIndex(1).row(), 0);
     QCOMPARE(count.count(), 7);
     QCOMPARE(count.last().at(0).toUInt(), 6u);
-
-    DeviceMapItem *item = map.getMapItem(1);
-    QCOMPARE(item->getStrings(), strings);
-    QCOMPARE(item->getKey(), 1u);
-    QCOMPARE(item->getFirstNumber(), 0.0);
-    QCOMPARE(item->parent(), &map);
+    QCOMPARE(map.getMapItem(1)->getStrings(), strings);
 
     // Null and already registered descriptors are refused.
     QCOMPARE(map.addItem(QModelIndex(), nullptr, {}), (unsigned short)0);
@@ -221,24 +208,15 @@ void tst_Map::containsAddress_data()
     QTest::addColumn<QString>("asked");
     QTest::addColumn<bool>("found");
 
-    QTest::newRow("leading zeros") << "005"
-                                   << "5" << true;
-    QTest::newRow("asked with zeros") << "5"
-                                      << "05" << true;
-    QTest::newRow("other number") << "6"
-                                  << "5" << false;
-    QTest::newRow("four characters are exact") << "5"
-                                               << "0005" << false;
-    QTest::newRow("ip exact") << "10.0.0.1"
-                              << "10.0.0.1" << true;
-    QTest::newRow("ip zero-padded") << "10.0.0.1"
-                                    << "10.0.0.01" << false;
-    QTest::newRow("unparsable asked counts as 0") << "0"
-                                                  << "abc" << true;
-    QTest::newRow("unparsable unit never matches") << "abc"
-                                                   << "abc" << false;
-    QTest::newRow("empty unit") << ""
-                                << "0" << false;
+    QTest::newRow("leading zeros") << QString("005") << "5" << true;
+    QTest::newRow("asked with zeros") << QString("5") << "05" << true;
+    QTest::newRow("other number") << QString("6") << "5" << false;
+    QTest::newRow("four characters are exact") << QString("5") << "0005" << false;
+    QTest::newRow("ip exact") << QString("10.0.0.1") << "10.0.0.1" << true;
+    QTest::newRow("ip zero-padded") << QString("10.0.0.1") << "10.0.0.01" << false;
+    QTest::newRow("unparsable asked counts as 0") << QString("0") << "abc" << true;
+    QTest::newRow("unparsable unit never matches") << QString("abc") << "abc" << false;
+    QTest::newRow("empty unit") << QString() << "0" << false;
 }
 
 void tst_Map::containsAddress()
@@ -263,7 +241,9 @@ void tst_Map::requestRoundTrip()
 {
     Map map;
     auto *device = new TestDevice;
+    QPointer<TestDevice> removed = new TestDevice;
     const unsigned short key = map.addItem(QModelIndex(), device, {});
+    const unsigned short removedKey = map.addItem(QModelIndex(), removed, {});
     QSignalSpy requests(&map, &Map::request);
 
     const QByteArray bytes("\x01\x03\x00\x10\x00\x02", 6);
@@ -273,16 +253,23 @@ void tst_Map::requestRoundTrip()
     QCOMPARE(requests.at(0).at(0).toInt(), int(key));
     QCOMPARE(requests.at(0).at(1).toByteArray(), bytes);
 
-    // Nothing reaches the unit inside answer() or replyError().
+    // Nothing reaches a unit inside answer() or replyError(), and nothing
+    // reaches one deleted before the queue ran.
     const QByteArray reply("\x01\x03\x02\x00\x2A", 5);
     map.answer(key, reply);
     map.replyError(key);
-    map.answer(key + 1, "stray");
-    map.replyError(key + 1);
+    map.answer(removedKey, "late");
+    map.replyError(removedKey);
+    map.answer(removedKey + 1, "stray");
+    map.replyError(removedKey + 1);
     QVERIFY(device->calls.isEmpty());
+    QVERIFY(map.deleteDevice(removedKey));
     QCoreApplication::processEvents();
     QCOMPARE(device->calls, (QStringList {"setData()", "setError()"}));
     QCOMPARE(device->answers, QList<QByteArray> {reply});
+    QVERIFY(removed && removed->calls.isEmpty());
+    flushDeletions();
+    QVERIFY(!removed);
 
     // A disconnected unit is no longer relayed, also for what was already queued.
     device->sendRequest("late");
@@ -291,26 +278,6 @@ void tst_Map::requestRoundTrip()
     QCoreApplication::processEvents();
     QCOMPARE(requests.count(), 1);
     delete device;
-}
-
-void tst_Map::answerForRemovedUnitIsDropped()
-{
-    Map map;
-    QPointer<TestDevice> device = new TestDevice;
-    auto *other = new TestDevice;
-    const unsigned short key = map.addItem(QModelIndex(), device, {});
-    const unsigned short otherKey = map.addItem(QModelIndex(), other, {});
-    map.answer(key, "late");
-    map.replyError(key);
-    map.answer(otherKey, "on time");
-    QVERIFY(map.deleteDevice(key));
-    QVERIFY(device);
-    QCoreApplication::processEvents();
-    QVERIFY(device->calls.isEmpty());
-    flushDeletions();
-    QVERIFY(!device);
-    QCOMPARE(other->answers, QList<QByteArray> {"on time"});
-    delete other;
 }
 
 void tst_Map::relays_data()
@@ -529,20 +496,18 @@ void tst_Map::scale()
         devices.last()->finishPollAtOnce = true;
     }
 
-    QElapsedTimer wall;
-    wall.start();
     qint64 cpu = cpuMs();
     for (TestDevice *device : qAsConst(devices))
         map.addItem(group->index(), device, {});
-    const qint64 addWall = wall.restart(), addMs = cpuMs() - cpu;
+    const qint64 addMs = cpuMs() - cpu;
     QCOMPARE(map.getDeviceCount(), Units);
 
     cpu = cpuMs();
     QSignalSpy polled(&map, &Map::updateAlarmFinished);
     map.startScan();
-    while (map.scanInproccess() && wall.elapsed() < 60000)
+    for (int round = 0; map.scanInproccess() && round < 10 * Units; ++round)
         QCoreApplication::processEvents();
-    const qint64 scanWall = wall.restart(), scanMs = cpuMs() - cpu;
+    const qint64 scanMs = cpuMs() - cpu;
     QCOMPARE(polled.count(), Units);
 
     // Every other unit one by one from the far end of the tree, then the rest with their group.
@@ -551,14 +516,10 @@ void tst_Map::scale()
         QVERIFY(map.deleteDevice(static_cast<unsigned short>(key)));
     QCOMPARE(map.remove(group->index()).size(), Units / 2);
     flushDeletions();
-    const qint64 removeWall = wall.restart(), removeMs = cpuMs() - cpu;
+    const qint64 removeMs = cpuMs() - cpu;
     QCOMPARE(map.getDeviceCount(), 0);
-
-    qInfo("10000 units, processor (wall) ms: add %lld (%lld), scan %lld (%lld), remove %lld (%lld)", addMs,
-        addWall, scanMs, scanWall, removeMs, removeWall);
-    QVERIFY(addMs < TimeBudgetMs);
-    QVERIFY(scanMs < TimeBudgetMs);
-    QVERIFY(removeMs < TimeBudgetMs);
+    QVERIFY2(addMs < TimeBudgetMs && scanMs < TimeBudgetMs && removeMs < TimeBudgetMs,
+        qPrintable(QString("add %1 ms, scan %2 ms, remove %3 ms").arg(addMs).arg(scanMs).arg(removeMs)));
 }
 
 QTEST_MAIN(tst_Map)

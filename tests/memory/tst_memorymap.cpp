@@ -60,7 +60,6 @@ class tst_MemoryMap : public QObject
 {
     Q_OBJECT
 private slots:
-    void kindsAndParents();
     void itemsAndOwnership();
     void imageRoundTrip();
     void variableRoundTrip();
@@ -68,16 +67,6 @@ private slots:
     void json();
     void statusMapThroughBothPaths();
 };
-
-void tst_MemoryMap::kindsAndParents()
-{
-    QObject owner;
-    auto *config = new ConfigMemoryMap(&owner);
-    ConnectMemoryMap connect(&owner);
-    QCOMPARE(config->parent(), &owner);
-    QCOMPARE(connect.parent(), nullptr);
-    QVERIFY(!qobject_cast<ConfigMemoryMap *>(new StatusMemoryMap(&owner)));
-}
 
 void tst_MemoryMap::itemsAndOwnership()
 {

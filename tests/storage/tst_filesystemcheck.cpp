@@ -90,33 +90,18 @@ void tst_FileSystemCheck::changes_data()
     QTest::addColumn<QString>("target");
     QTest::addColumn<QString>("report");
 
-    QTest::newRow("unchanged") << ""
-                               << ""
-                               << "";
-    QTest::newRow("one byte changed") << "write"
-                                      << "sub/deep/c.txt"
-                                      << "BAD HASH:%1/sub/deep/c.txt\n";
-    QTest::newRow("file emptied") << "empty"
-                                  << "a.txt"
-                                  << "BAD HASH:%1/a.txt\n";
-    QTest::newRow("file removed") << "remove"
-                                  << "sub/b.bin"
-                                  << "NOT EXIST:%1/sub/b.bin\n";
-    QTest::newRow("folder removed, its files not listed") << "removeDir"
-                                                          << "sub"
-                                                          << "NOT EXIST:%1/sub\n";
-    QTest::newRow("file added") << "write"
-                                << "sub/new.txt"
-                                << "";
-    QTest::newRow("folder added") << "mkdir"
-                                  << "extra"
-                                  << "";
-    QTest::newRow("file turned into folder") << "toDir"
-                                             << "a.txt"
-                                             << "BAD HASH:%1/a.txt\n";
-    QTest::newRow("two findings in listing order") << "twice"
-                                                   << ""
-                                                   << "BAD HASH:%1/a.txt\nNOT EXIST:%1/sub\n";
+    QTest::newRow("unchanged") << QString("") << QString("") << "";
+    QTest::newRow("one byte changed")
+        << QString("write") << QString("sub/deep/c.txt") << "BAD HASH:%1/sub/deep/c.txt\n";
+    QTest::newRow("file emptied") << QString("empty") << QString("a.txt") << "BAD HASH:%1/a.txt\n";
+    QTest::newRow("file removed") << QString("remove") << QString("sub/b.bin") << "NOT EXIST:%1/sub/b.bin\n";
+    QTest::newRow("folder removed, its files not listed")
+        << QString("removeDir") << QString("sub") << "NOT EXIST:%1/sub\n";
+    QTest::newRow("file added") << QString("write") << QString("sub/new.txt") << "";
+    QTest::newRow("folder added") << QString("mkdir") << QString("extra") << "";
+    QTest::newRow("file turned into folder") << QString("toDir") << QString("a.txt") << "BAD HASH:%1/a.txt\n";
+    QTest::newRow("two findings in listing order")
+        << QString("twice") << QString("") << "BAD HASH:%1/a.txt\nNOT EXIST:%1/sub\n";
 }
 
 void tst_FileSystemCheck::changes()

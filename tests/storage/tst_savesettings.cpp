@@ -71,7 +71,6 @@ class tst_SaveSettings : public QObject
     Q_OBJECT
 private slots:
     void init();
-    void staticTables();
     void saveLayoutAndReadBack_data();
     void saveLayoutAndReadBack();
     void saveFailureKeepsEverything_data();
@@ -93,16 +92,6 @@ void tst_SaveSettings::init()
     dir.reset(new QTemporaryDir);
     QVERIFY(dir->isValid());
     SaveSettings::deviceCodes.clear();
-}
-
-void tst_SaveSettings::staticTables()
-{
-    QCOMPARE(SaveSettings::exFileFormatIdentifier, QByteArray("\x41\x41\x41\x41"));
-    const QMap<QString, QString> expected = {{"VT-QX", "Vantor-QX"}, {"VT-QX10", "Vantor-QX10"},
-        {"VT-QX10-V", "Vantor-QX10-V"}, {"VT-QX20", "Vantor-QX20"}, {"VT-QX20-V", "Vantor-QX20-V"},
-        {"VT-QX30", "Vantor-QX30"}, {"VT-QX30-V", "Vantor-QX30-V"}, {"VT-QX40", "Vantor-QX40"},
-        {"VT-QX-T10", "Vantor-RT-T10"}, {"VT-QX-T20", "Vantor-RT-T20"}};
-    QCOMPARE(SaveSettings::oldVersionNames, expected);
 }
 
 void tst_SaveSettings::saveLayoutAndReadBack_data()
