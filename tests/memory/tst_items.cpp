@@ -10,18 +10,16 @@ namespace {
 
 // A scalar item fed the way a unit feeds it: an image in mode 0, a
 // variable set in mode 1.
-template<typename Item> void feed(Item &item, int mode, const QByteArray &bytes, const QVariant &snmp)
+template<typename Item> Item &feed(Item &item, int mode, const QByteArray &bytes, const QVariant &snmp)
 {
     item.setStartAddress(QStringLiteral(".1.7"));
-    if (mode == 0) {
-        QByteArray image = bytes;
-        QVERIFY(item.readData(&image));
-    } else {
-        QHash<QString, QVariant> received;
-        if (snmp.isValid())
-            received.insert(QStringLiteral(".1.7.0"), snmp);
-        QVERIFY(item.readData(&received));
-    }
+    QByteArray image = bytes;
+    QHash<QString, QVariant> received;
+    if (snmp.isValid())
+        received.insert(QStringLiteral(".1.7.0"), snmp);
+    const bool read = mode == 0 ? item.readData(&image) : item.readData(&received);
+    QTest::qVerify(read, "readData", "the item refused its data", __FILE__, __LINE__);
+    return item;
 }
 
 } // namespace
@@ -68,15 +66,10 @@ void tst_Items::scalars()
     QFETCH(QVariant, snmp);
     QFETCH(int, expected);
 
-    if (wide) {
-        U16Item item;
-        feed(item, mode, bytes, snmp);
-        QCOMPARE(int(item.get()), expected);
-    } else {
-        U8Item item;
-        feed(item, mode, bytes, snmp);
-        QCOMPARE(int(item.get()), expected);
-    }
+    U8Item byte;
+    U16Item word;
+    QCOMPARE(
+        wide ? int(feed(word, mode, bytes, snmp).get()) : int(feed(byte, mode, bytes, snmp).get()), expected);
 }
 
 void tst_Items::setByMode()
