@@ -11,7 +11,6 @@
 #include <QStandardItemModel>
 #include <QtTest>
 
-#include <ctime>
 
 using KeyList = QList<unsigned short>;
 
@@ -38,18 +37,6 @@ TestDevice *named(const QString &name, const QString &address = QString())
     return device;
 }
 
-// Processor time, not wall time: the machine is shared, so wall time says
-// more about the neighbours than about the map.
-qint64 cpuMs()
-{
-    return qint64(std::clock()) * 1000 / CLOCKS_PER_SEC;
-}
-
-#if defined(__SANITIZE_ADDRESS__)
-constexpr qint64 TimeBudgetMs = 5000;
-#else
-constexpr qint64 TimeBudgetMs = 1000;
-#endif
 } // namespace
 
 class tst_Map : public QObject
@@ -70,7 +57,7 @@ private slots:
     void scanEndsEarly();
     void alarms();
     void metaObjectOrder();
-    void scale();
+    void manyUnits();
 };
 
 void tst_Map::keys()
@@ -485,41 +472,32 @@ void tst_Map::metaObjectOrder()
     QCOMPARE(MapSerialise::staticMetaObject.className(), "MapSerialise");
 }
 
-void tst_Map::scale()
+// Ten thousand units through add, one full pass and removal; the timings of
+// the same path are measured by the benchmarks.
+void tst_Map::manyUnits()
 {
     constexpr int Units = 10000;
     Map map;
     QStandardItem *group = map.addGroup(QModelIndex(), QStringLiteral("All"));
-    QList<TestDevice *> devices;
     for (int i = 0; i < Units; ++i) {
-        devices << new TestDevice;
-        devices.last()->finishPollAtOnce = true;
-    }
-
-    qint64 cpu = cpuMs();
-    for (TestDevice *device : qAsConst(devices))
+        auto *device = new TestDevice;
+        device->finishPollAtOnce = true;
         map.addItem(group->index(), device, {});
-    const qint64 addMs = cpuMs() - cpu;
+    }
     QCOMPARE(map.getDeviceCount(), Units);
 
-    cpu = cpuMs();
     QSignalSpy polled(&map, &Map::updateAlarmFinished);
     map.startScan();
     for (int round = 0; map.scanInproccess() && round < 10 * Units; ++round)
         QCoreApplication::processEvents();
-    const qint64 scanMs = cpuMs() - cpu;
     QCOMPARE(polled.count(), Units);
 
     // Every other unit one by one from the far end of the tree, then the rest with their group.
-    cpu = cpuMs();
     for (int key = Units; key >= 1; key -= 2)
         QVERIFY(map.deleteDevice(static_cast<unsigned short>(key)));
     QCOMPARE(map.remove(group->index()).size(), Units / 2);
     flushDeletions();
-    const qint64 removeMs = cpuMs() - cpu;
     QCOMPARE(map.getDeviceCount(), 0);
-    QVERIFY2(addMs < TimeBudgetMs && scanMs < TimeBudgetMs && removeMs < TimeBudgetMs,
-        qPrintable(QString("add %1 ms, scan %2 ms, remove %3 ms").arg(addMs).arg(scanMs).arg(removeMs)));
 }
 
 QTEST_MAIN(tst_Map)
