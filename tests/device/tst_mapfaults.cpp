@@ -33,6 +33,7 @@ private slots:
     void keyReusedWhileAnswerQueued();
     void silentUnitStopsThePass();
     void keyCounterWraps();
+    void displacedUnitIsNoLongerRelayed();
     void thousandScanPasses();
 };
 
@@ -190,6 +191,33 @@ void tst_MapFaults::keyCounterWraps()
     QCOMPARE(map.remove(group->index()).size(), Units + 2);
     flushDeletions();
     QCOMPARE(map.getDeviceCount(), 0);
+    delete displaced;
+}
+
+void tst_MapFaults::displacedUnitIsNoLongerRelayed()
+{
+    Map map;
+    auto *displaced = new TestDevice;
+    auto *successor = new TestDevice;
+    map.addItem(QModelIndex(), displaced, 9, {});
+    map.addItem(QModelIndex(), successor, 9, {});
+    QSignalSpy requests(&map, &Map::request);
+    QSignalSpy messages(&map, &Map::systemMessage);
+
+    // The displaced unit's traffic must not go out under its successor's key
+    // with its successor's bytes.
+    successor->getRequestData() = "successor";
+    displaced->sendRequest("displaced");
+    displaced->announce(QStringLiteral("displaced"));
+    QCoreApplication::processEvents();
+    QCOMPARE(requests.count(), 0);
+    QCOMPARE(messages.count(), 0);
+
+    successor->sendRequest("successor");
+    QVERIFY(requests.wait(1000));
+    QCOMPARE(requests.count(), 1);
+    QCOMPARE(requests.first().at(1).toByteArray(), QByteArray("successor"));
+    delete successor;
     delete displaced;
 }
 
