@@ -25,7 +25,8 @@ void writeFile(const QString &path, const QByteArray &bytes)
 
 extern "C" int LLVMFuzzerInitialize(int *argc, char ***argv)
 {
-    static QCoreApplication app(*argc, *argv);
+    static QCoreApplication *app = new QCoreApplication(*argc, *argv);
+    Q_UNUSED(app)
     static QTemporaryDir dir;
     tree = &dir;
     QDir(dir.path()).mkpath(QStringLiteral("etc/sub"));

@@ -25,7 +25,8 @@ bool writeFile(const QString &path, const QByteArray &bytes)
 
 extern "C" int LLVMFuzzerInitialize(int *argc, char ***argv)
 {
-    static QCoreApplication app(*argc, *argv);
+    static QCoreApplication *app = new QCoreApplication(*argc, *argv);
+    Q_UNUSED(app)
     static QTemporaryDir dir;
     folder = &dir;
     // Models a host registers before it reads files, old names among them.
