@@ -22,7 +22,9 @@ foreach(target ${targets})
 
     message(STATUS "${target}: ${seconds} s")
     execute_process(
-        COMMAND ${FUZZ_BIN_DIR}/${target}
+        COMMAND ${CMAKE_COMMAND} -E env
+            "LSAN_OPTIONS=suppressions=${FUZZ_SOURCE_DIR}/lsan.supp:print_suppressions=0"
+            ${FUZZ_BIN_DIR}/${target}
             -max_total_time=${seconds} -timeout=10 -rss_limit_mb=2048 -max_len=8192
             -print_final_stats=1 -artifact_prefix=${artifacts}/ ${work}
         RESULT_VARIABLE result
