@@ -238,10 +238,15 @@ unsigned short Map::insertDevice(
         unitRowCache.insert(key, row);
 
     mapItem->setKey(key);
-    connectDevice(mapItem);
-    // A key in use is taken over; the unit it named keeps its row only.
-    if (DeviceMapItem *previous = devices.value(key))
+    // A key in use is taken over; the unit it named keeps its row only. Its
+    // signals are cut first: they would otherwise be relayed under the key,
+    // with its successor's request bytes.
+    if (DeviceMapItem *previous = devices.value(key)) {
+        disconnectDevice(key);
         registeredDevices.remove(previous->getDescriptor());
+        previous->deleteLater();
+    }
+    connectDevice(mapItem);
     devices.insert(key, mapItem);
     registeredDevices.insert(device);
 

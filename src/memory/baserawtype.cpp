@@ -2,6 +2,7 @@
 
 #include <QJsonObject>
 
+#include <cmath>
 #include <cstring>
 #include <limits>
 
@@ -148,13 +149,30 @@ bool BaseRawType::clearSnmpData()
     return true;
 }
 
+namespace {
+
+// QVariant's own equality, except that a NaN equals a NaN: a unit's
+// not-a-number would otherwise count as changed and be sent on every write.
+bool sameValue(const QVariant &a, const QVariant &b)
+{
+    const auto isNaN = [](const QVariant &v) {
+        const int type = v.userType();
+        return (type == QMetaType::Double || type == QMetaType::Float) && std::isnan(v.toDouble());
+    };
+    if (isNaN(a) || isNaN(b))
+        return isNaN(a) && isNaN(b) && a.userType() == b.userType();
+    return a == b;
+}
+
+} // namespace
+
 bool BaseRawType::writeData(QHash<QString, QVariant> *toSend, QHash<QString, QVariant> &lastSent)
 {
     if (!toSend)
         return false;
     for (auto it = snmpData.cbegin(); it != snmpData.cend(); ++it) {
         const auto sent = lastSent.constFind(it.key());
-        if (sent != lastSent.cend() && sent.value() == it.value())
+        if (sent != lastSent.cend() && sameValue(sent.value(), it.value()))
             continue;
         toSend->insert(it.key(), it.value());
         lastSent.insert(it.key(), it.value());
