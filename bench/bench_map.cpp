@@ -1,0 +1,112 @@
+// The device map: adding units, one scan pass through the event loop and
+// removing every unit, each set against as many bare queued signal round
+// trips.
+#include "benchdevice.h"
+
+#include <device/map.h>
+
+#include <benchmark/benchmark.h>
+
+#include <QCoreApplication>
+#include <QEvent>
+#include <QEventLoop>
+#include <QModelIndex>
+#include <QVector>
+
+#include <chrono>
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+double secondsSince(Clock::time_point start)
+{
+    return std::chrono::duration<double>(Clock::now() - start).count();
+}
+
+enum class Phase { Add, Scan, Remove };
+
+struct Durations
+{
+    double add = 0;
+    double scan = 0;
+    double remove = 0;
+    bool ok = true;
+};
+
+// One life of a map with `count` units; the descriptors are made before the
+// clock starts, since building them is the device model's business.
+Durations mapCycle(int count)
+{
+    Durations d;
+    auto *map = new Map;
+    QVector<BenchDevice *> devices;
+    devices.reserve(count);
+    for (int i = 0; i < count; ++i)
+        devices.append(new BenchDevice);
+
+    auto start = Clock::now();
+    for (BenchDevice *device : qAsConst(devices))
+        map->addItem(QModelIndex(), device, QVector<QString>());
+    d.add = secondsSince(start);
+    d.ok = d.ok && map->getDeviceCount() == count;
+
+    QEventLoop loop;
+    int polled = 0;
+    QObject::connect(map, &Map::updateAlarmFinished, &loop, [&] {
+        // Queued behind the last unit's statusUpdated(), which ends the pass.
+        if (++polled == count)
+            QMetaObject::invokeMethod(&loop, "quit", Qt::QueuedConnection);
+    });
+    start = Clock::now();
+    map->startScan();
+    loop.exec();
+    d.scan = secondsSince(start);
+    d.ok = d.ok && polled == count && !map->scanInproccess();
+
+    start = Clock::now();
+    for (int key = 1; key <= count; ++key)
+        d.ok = map->deleteDevice(static_cast<unsigned short>(key)) && d.ok;
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    d.remove = secondsSince(start);
+    d.ok = d.ok && map->getDeviceCount() == 0;
+
+    delete map;
+    return d;
+}
+
+void runMapPhase(benchmark::State &state, int count, Phase phase)
+{
+    for (auto _ : state) {
+        const Durations d = mapCycle(count);
+        if (!d.ok) {
+            state.SkipWithError("the map did not add, scan or remove every unit");
+            break;
+        }
+        state.SetIterationTime(phase == Phase::Add ? d.add : phase == Phase::Scan ? d.scan : d.remove);
+    }
+}
+
+void BM_RoundTrips(benchmark::State &state, int count)
+{
+    Pinger pinger;
+    Echo echo;
+    echo.pinger = &pinger;
+    QObject::connect(&pinger, &Pinger::ping, &echo, &Echo::onPing, Qt::QueuedConnection);
+    QEventLoop loop;
+    QObject::connect(&pinger, &Pinger::done, &loop, &QEventLoop::quit, Qt::QueuedConnection);
+    for (auto _ : state) {
+        pinger.remaining = count;
+        pinger.poll();
+        loop.exec();
+    }
+}
+
+} // namespace
+
+BENCHMARK_CAPTURE(runMapPhase, add10k, 10000, Phase::Add)->Name("map/add_10000")->UseManualTime();
+BENCHMARK_CAPTURE(runMapPhase, scan10k, 10000, Phase::Scan)->Name("map/scan_10000")->UseManualTime();
+BENCHMARK_CAPTURE(runMapPhase, remove10k, 10000, Phase::Remove)->Name("map/remove_10000")->UseManualTime();
+BENCHMARK_CAPTURE(runMapPhase, add1k, 1000, Phase::Add)->Name("map/add_1000")->UseManualTime();
+BENCHMARK_CAPTURE(runMapPhase, remove1k, 1000, Phase::Remove)->Name("map/remove_1000")->UseManualTime();
+BENCHMARK_CAPTURE(BM_RoundTrips, trips10k, 10000)->Name("map/queued_round_trips_10000")->UseRealTime();
