@@ -106,7 +106,14 @@ bool BaseRawType::readData(QByteArray *image)
     if (!image || quint64(image->size()) < quint64(startAddress) + total)
         return false;
     mode = 0;
-    localCopy = QByteArray(image->constData() + startAddress, int(total));
+    // Reloading an image is the common case: the copy already has its size,
+    // so its buffer is reused rather than allocated anew for every item.
+    if (quint64(localCopy.size()) == total && localCopy.isDetached()) {
+        if (total > 0)
+            std::memcpy(localCopy.data(), image->constData() + startAddress, total);
+    } else {
+        localCopy = QByteArray(image->constData() + startAddress, int(total));
+    }
     return true;
 }
 
