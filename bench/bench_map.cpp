@@ -26,6 +26,10 @@ double secondsSince(Clock::time_point start)
 
 enum class Phase { Add, Scan, Remove };
 
+// Newest first takes rows off the end of the tree; oldest first takes them off
+// its front, where the item model moves every later row.
+enum class Order { NewestFirst, OldestFirst };
+
 struct Durations
 {
     double add = 0;
@@ -36,7 +40,7 @@ struct Durations
 
 // One life of a map with `count` units; the descriptors are made before the
 // clock starts, since building them is the device model's business.
-Durations mapCycle(int count)
+Durations mapCycle(int count, Order order)
 {
     Durations d;
     auto *map = new Map;
@@ -65,8 +69,10 @@ Durations mapCycle(int count)
     d.ok = d.ok && polled == count && !map->scanInproccess();
 
     start = Clock::now();
-    for (int key = 1; key <= count; ++key)
+    for (int i = 0; i < count; ++i) {
+        const int key = order == Order::OldestFirst ? i + 1 : count - i;
         d.ok = map->deleteDevice(static_cast<unsigned short>(key)) && d.ok;
+    }
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     d.remove = secondsSince(start);
     d.ok = d.ok && map->getDeviceCount() == 0;
@@ -75,10 +81,10 @@ Durations mapCycle(int count)
     return d;
 }
 
-void runMapPhase(benchmark::State &state, int count, Phase phase)
+void runMapPhase(benchmark::State &state, int count, Phase phase, Order order = Order::NewestFirst)
 {
     for (auto _ : state) {
-        const Durations d = mapCycle(count);
+        const Durations d = mapCycle(count, order);
         if (!d.ok) {
             state.SkipWithError("the map did not add, scan or remove every unit");
             break;
@@ -104,9 +110,25 @@ void BM_RoundTrips(benchmark::State &state, int count)
 
 } // namespace
 
-BENCHMARK_CAPTURE(runMapPhase, add10k, 10000, Phase::Add)->Name("map/add_10000")->UseManualTime();
-BENCHMARK_CAPTURE(runMapPhase, scan10k, 10000, Phase::Scan)->Name("map/scan_10000")->UseManualTime();
-BENCHMARK_CAPTURE(runMapPhase, remove10k, 10000, Phase::Remove)->Name("map/remove_10000")->UseManualTime();
+BENCHMARK_CAPTURE(runMapPhase, add10k, 10000, Phase::Add)
+    ->Name("map/add_10000")
+    ->Iterations(3)
+    ->UseManualTime();
+BENCHMARK_CAPTURE(runMapPhase, scan10k, 10000, Phase::Scan)
+    ->Name("map/scan_10000")
+    ->Iterations(3)
+    ->UseManualTime();
+BENCHMARK_CAPTURE(runMapPhase, remove10k, 10000, Phase::Remove)
+    ->Name("map/remove_10000")
+    ->Iterations(3)
+    ->UseManualTime();
 BENCHMARK_CAPTURE(runMapPhase, add1k, 1000, Phase::Add)->Name("map/add_1000")->UseManualTime();
 BENCHMARK_CAPTURE(runMapPhase, remove1k, 1000, Phase::Remove)->Name("map/remove_1000")->UseManualTime();
+BENCHMARK_CAPTURE(runMapPhase, removeOldest10k, 10000, Phase::Remove, Order::OldestFirst)
+    ->Name("map/remove_10000_oldest_first")
+    ->Iterations(3)
+    ->UseManualTime();
+BENCHMARK_CAPTURE(runMapPhase, removeOldest1k, 1000, Phase::Remove, Order::OldestFirst)
+    ->Name("map/remove_1000_oldest_first")
+    ->UseManualTime();
 BENCHMARK_CAPTURE(BM_RoundTrips, trips10k, 10000)->Name("map/queued_round_trips_10000")->UseRealTime();

@@ -37,7 +37,8 @@ QString panelDescription(int i, int unparsable)
             << QStringLiteral("2x1(led): 0,220,0") << QStringLiteral("3x1(led): %1,0,0").arg(i % 256)
             << QStringLiteral("4x1(rj45): 1,%1").arg(i % 2) << QStringLiteral("5x1(sfp): ")
             << QStringLiteral("6x1(alarm): 0,200,0") << QStringLiteral("4x0(progressbar): %1,3").arg(i % 100)
-            << QStringLiteral("7x0(ledmat): 1,0,%1,1").arg(i % 2) << QStringLiteral("tooltip: Unit %1").arg(i);
+            << QStringLiteral("7x0(ledmat): 1,0,%1,1").arg(i % 2)
+            << QStringLiteral("tooltip: Unit %1").arg(i);
     // Entries that parsing must read and drop, for the check that a blink
     // tick never parses again.
     for (int k = 0; k < unparsable; ++k)
@@ -53,8 +54,9 @@ std::unique_ptr<DeviceScene> deviceScene(int unparsable = 0)
     for (int i = 0; i < unitCount; ++i) {
         const auto key = static_cast<unsigned short>(i + 1);
         scene->addDeviceItem(key, panelDescription(i, unparsable), unitPosition(i), -1.0);
-        const Core::AlarmType alarm
-            = i % 13 == 0 ? Core::ALARM_MAJOR : i % 7 == 0 ? Core::ALARM_MINOR : Core::ALARM_OK;
+        const Core::AlarmType alarm = i % 13 == 0 ? Core::ALARM_MAJOR
+            : i % 7 == 0                          ? Core::ALARM_MINOR
+                                                  : Core::ALARM_OK;
         alarms.insert(key, alarm);
     }
     scene->setAlarmMap(alarms);

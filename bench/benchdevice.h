@@ -14,29 +14,29 @@ class BenchDevice : public DeviceDescriptor
 public:
     using DeviceDescriptor::DeviceDescriptor;
 
-    void showUi() override {}
+    void showUi() override { }
     QString getFrontPanel() override { return QString(); }
-    void closeUi() override {}
+    void closeUi() override { }
     bool getSerialState() override { return false; }
-    void setSerialState(bool) override {}
+    void setSerialState(bool) override { }
 
-    void setData(QByteArray) override {}
-    void setError() override {}
-    void update() override {}
-    void updateStatus() override {}
+    void setData(QByteArray) override { }
+    void setError() override { }
+    void update() override { }
+    void updateStatus() override { }
     void updateAlarmStatus(bool) override { emit statusUpdated(); }
-    void setDateTime(QDateTime) override {}
-    void resetStatistics() override {}
-    void identify() override {}
-    void upload() override {}
-    void saveMemory() override {}
-    void applyChanges() override {}
-    void toFactory(bool) override {}
-    void restartDevice() override {}
-    void restoreDevice() override {}
-    void loadSettingsFile(QString, bool) override {}
-    void saveSettingsFile(QString) override {}
-    void switchToActive() override {}
+    void setDateTime(QDateTime) override { }
+    void resetStatistics() override { }
+    void identify() override { }
+    void upload() override { }
+    void saveMemory() override { }
+    void applyChanges() override { }
+    void toFactory(bool) override { }
+    void restartDevice() override { }
+    void restoreDevice() override { }
+    void loadSettingsFile(QString, bool) override { }
+    void saveSettingsFile(QString) override { }
+    void switchToActive() override { }
 };
 
 // The anchor of the scan: the same shape of step without the map. The pinger

@@ -8,8 +8,8 @@
 #include <QDateTime>
 #include <QFile>
 #include <QSysInfo>
-#include <QThread>
 #include <QTextStream>
+#include <QThread>
 
 #include <algorithm>
 #include <map>
@@ -160,7 +160,9 @@ bool writeResults(const QString &path, const CollectingReporter &reporter, const
             << (f.aim > 0 ? QStringLiteral("≤ ") + QString::number(f.aim, 'g', 3) : QStringLiteral("—"))
             << " | " << verdict << " |\n";
     }
-    out << "\n" << (missed == 0 ? QStringLiteral("Every aim was met.") : QStringLiteral("Aims missed: %1.").arg(missed))
+    out << "\n"
+        << (missed == 0 ? QStringLiteral("Every aim was met.")
+                        : QStringLiteral("Aims missed: %1.").arg(missed))
         << "\n\n";
 
     out << "## All measurements\n\n"
@@ -171,8 +173,8 @@ bool writeResults(const QString &path, const CollectingReporter &reporter, const
         if (!m.error.empty())
             out << "error: " << QString::fromStdString(m.error) << " | | |\n";
         else
-            out << formatSeconds(m.fastest()) << " | " << formatSeconds(m.median()) << " | " << m.seconds.size()
-                << " |\n";
+            out << formatSeconds(m.fastest()) << " | " << formatSeconds(m.median()) << " | "
+                << m.seconds.size() << " |\n";
     }
     return true;
 }
