@@ -2,15 +2,18 @@
 // removing every unit, each set against as many bare queued signal round
 // trips.
 #include "benchdevice.h"
+#include "figures.h"
 
 #include <device/map.h>
 
 #include <benchmark/benchmark.h>
 
 #include <QCoreApplication>
+#include <QDir>
 #include <QEvent>
 #include <QEventLoop>
 #include <QModelIndex>
+#include <QProcess>
 #include <QVector>
 
 #include <chrono>
@@ -40,6 +43,13 @@ struct Durations
 
 // One life of a map with `count` units; the descriptors are made before the
 // clock starts, since building them is the device model's business.
+// The deferred deletions of a removal; kept apart so that an instruction
+// count can name it.
+__attribute__((noinline)) void flushDeletions()
+{
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+}
+
 Durations mapCycle(int count, Order order)
 {
     Durations d;
@@ -73,7 +83,7 @@ Durations mapCycle(int count, Order order)
         const int key = order == Order::OldestFirst ? i + 1 : count - i;
         d.ok = map->deleteDevice(static_cast<unsigned short>(key)) && d.ok;
     }
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    flushDeletions();
     d.remove = secondsSince(start);
     d.ok = d.ok && map->getDeviceCount() == 0;
 
@@ -108,7 +118,63 @@ void BM_RoundTrips(benchmark::State &state, int count)
     }
 }
 
+// Instructions per unit that adding and removing take, counted by callgrind
+// in a child process running one map life: unlike times, the counts do not
+// depend on the load of the machine or on how much of the units fit the
+// caches, so they show the growth with the count alone.
+void BM_MapInstructions(benchmark::State &state, int count)
+{
+    const QString out = QDir(benchWorkDir()).filePath(QStringLiteral("map-%1.callgrind").arg(count));
+    for (auto _ : state) {
+        QProcess valgrind;
+        valgrind.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        valgrind.start(QStringLiteral("valgrind"),
+            {QStringLiteral("--tool=callgrind"), QStringLiteral("--callgrind-out-file=") + out,
+                QStringLiteral("--toggle-collect=Map::addItem*"),
+                QStringLiteral("--toggle-collect=Map::deleteDevice*"),
+                QStringLiteral("--toggle-collect=*flushDeletions*"), QCoreApplication::applicationFilePath(),
+                QStringLiteral("--map-cycle=%1").arg(count)});
+        if (!valgrind.waitForStarted(-1) || !valgrind.waitForFinished(-1) || valgrind.exitCode() != 0) {
+            state.SkipWithError("valgrind could not count the map's instructions");
+            return;
+        }
+    }
+    QProcess annotate;
+    annotate.start(QStringLiteral("callgrind_annotate"), {QStringLiteral("--inclusive=yes"), out});
+    annotate.waitForFinished(-1);
+    double add = 0;
+    double remove = 0;
+    for (const QByteArray &line : annotate.readAllStandardOutput().split('\n')) {
+        const double cost = line.trimmed().split(' ').value(0).replace(",", "").toDouble();
+        if (line.contains("Map::addItem(QModelIndex, DeviceDescriptor*, QVector"))
+            add += cost;
+        else if (line.contains("Map::deleteDevice(") || line.contains("flushDeletions()"))
+            remove += cost;
+    }
+    if (add <= 0 || remove <= 0) {
+        state.SkipWithError("callgrind_annotate gave no counts");
+        return;
+    }
+    state.counters["add_ir_per_unit"] = add / count;
+    state.counters["remove_ir_per_unit"] = remove / count;
+}
+
 } // namespace
+
+// Entered from main() with --map-cycle=N: one life of a map with N units.
+int mapCycleMain(int count)
+{
+    return mapCycle(count, Order::NewestFirst).ok ? 0 : 1;
+}
+
+BENCHMARK_CAPTURE(BM_MapInstructions, ir1k, 1000)
+    ->Name("map/instructions_1000")
+    ->Iterations(1)
+    ->Repetitions(1);
+BENCHMARK_CAPTURE(BM_MapInstructions, ir10k, 10000)
+    ->Name("map/instructions_10000")
+    ->Iterations(1)
+    ->Repetitions(1);
 
 BENCHMARK_CAPTURE(runMapPhase, add10k, 10000, Phase::Add)
     ->Name("map/add_10000")

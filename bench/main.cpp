@@ -16,6 +16,7 @@
 #include <vector>
 
 int snapshotPeakMain(const QString &path);
+int mapCycleMain(int count);
 
 namespace {
 
@@ -165,6 +166,27 @@ bool writeResults(const QString &path, const CollectingReporter &reporter, const
                         : QStringLiteral("Aims missed: %1.").arg(missed))
         << "\n\n";
 
+    out << "## Reading the figures\n\n"
+        << "- **Memory image.** The map hands the image to every item's own `readData` / `writeData`\n"
+        << "  (device models may override them), so 1,000 calls that each copy their piece are the\n"
+        << "  floor; the line against 1,000 `memcpy` calls of the same pieces shows what the map adds\n"
+        << "  on top of that floor.\n"
+        << "- **SNMP.** Every item tests every OID of the set by the substring rule, so `loadData`\n"
+        << "  does items x OIDs tests. The growth lines compare the cost per item x OID pair: equal\n"
+        << "  per pair as items grow; more per pair as OIDs grow, since a set of 10,000 variables\n"
+        << "  walked once per item no longer stays in the caches.\n"
+        << "- **Map.** The instruction counts (callgrind, one map life in a child process) show the\n"
+        << "  work per unit at 1,000 and 10,000 units; the times per unit also grow with the memory\n"
+        << "  that 10,000 units and their connections take, which outgrows the caches.\n"
+        << "- **Topology.** A blink tick only changes pens: the tick with 200 unparsable entries per\n"
+        << "  description costs what the plain tick costs, so nothing is parsed again.\n"
+        << "- **Files.** The save and read of a settings file write 16 MiB to disk and read them\n"
+        << "  back; the second line sets them against a plain safe write and read of the same bytes\n"
+        << "  with the digest, which is what any such format costs at least. The snapshot's peak\n"
+        << "  memory is taken in a fresh process of the benchmark program (VmHWM, KiB).\n"
+        << "- Google Benchmark may warn that it was built as DEBUG: that is Debian's build of the\n"
+        << "  benchmark library itself; MuxCore and the benchmarks are built in Release.\n\n";
+
     out << "## All measurements\n\n"
         << "| Benchmark | Fastest | Median | Repetitions |\n|---|---:|---:|---:|\n";
     for (const std::string &name : reporter.order) {
@@ -191,6 +213,12 @@ int main(int argc, char **argv)
         if (arg.startsWith(QLatin1String("--snapshot-peak="))) {
             QCoreApplication app(argc, argv);
             return snapshotPeakMain(arg.section(QLatin1Char('='), 1));
+        }
+        if (arg.startsWith(QLatin1String("--map-cycle="))) {
+            qputenv("QT_QPA_PLATFORM", "offscreen");
+            int qtArgc = 1;
+            QApplication app(qtArgc, argv);
+            return mapCycleMain(arg.section(QLatin1Char('='), 1).toInt());
         }
         if (arg.startsWith(QLatin1String("--results=")))
             results = arg.section(QLatin1Char('='), 1);
