@@ -277,6 +277,7 @@ bool FrontPanel::parse(const QString &description)
     elements.clear();
     toolTip.clear();
     layer = QImage();
+    layerHints = -1;
 
     const QStringList entries = description.split(QLatin1Char(';'));
     if (entries.isEmpty())
@@ -347,7 +348,7 @@ bool FrontPanel::parseElement(const QString &entry, FrontPanelElement *element) 
 }
 
 // Layers larger than this are not kept: such a panel is painted directly.
-constexpr qint64 maxLayerPixels = 1 << 22;
+constexpr qint64 maxLayerPixels = 1 << 18;
 
 bool FrontPanel::canUseLayer(const QPainter *painter)
 {
@@ -396,9 +397,12 @@ QRect FrontPanel::elementExtent(const QFont &font) const
 
 bool FrontPanel::ensureLayer(const QFont &font, int hints) const
 {
-    if (!layer.isNull() && hints == layerHints && font == layerFont)
-        return true;
+    if (hints == layerHints && font == layerFont)
+        return !layer.isNull();
     layer = QImage();
+    layerFont = font;
+    layerHints = hints;
+    // A refusal is kept too, so that huge panels are not measured on every repaint.
     const QRect extent = elementExtent(font);
     if (extent.isEmpty() || qint64(extent.width()) * extent.height() > maxLayerPixels
         || qMax(qAbs(extent.left()), qAbs(extent.top())) > maxPixels)
@@ -415,8 +419,6 @@ bool FrontPanel::ensureLayer(const QFont &font, int hints) const
 
     layer = image;
     layerOrigin = extent.topLeft();
-    layerFont = font;
-    layerHints = hints;
     return true;
 }
 

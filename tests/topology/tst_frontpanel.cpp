@@ -203,6 +203,8 @@ void tst_FrontPanel::layerMatchesDirectPainting_data()
     QTest::newRow("reaching past the panel")
         << "dimension: 2x1; 1x0(background): 0,0,255,3; -1x0(db25)" << QPoint(40, 5);
     QTest::newRow("bar of a negative value") << "dimension: 4x1; 2x0(progressbar): -40,2" << QPoint(60, 0);
+    QTest::newRow("too wide for a layer")
+        << "dimension: 2x1; 0x0(background): 0,0,255,4000; 1x0(led): 1,2,3" << QPoint(3, 0);
 }
 
 void tst_FrontPanel::layerMatchesDirectPainting()
