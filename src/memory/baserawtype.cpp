@@ -1,6 +1,7 @@
 #include "memory/baserawtype.h"
 
 #include <QJsonObject>
+#include <QStringMatcher>
 
 #include <cmath>
 #include <cstring>
@@ -99,6 +100,29 @@ void writeLittleEndian(QByteArray &bytes, quint64 position, unsigned int count, 
         data[position + k] = k < 8 ? char((value >> (8 * k)) & 0xFF) : '\0';
 }
 
+// Whether oid contains part (not empty) anywhere. OIDs are short: testing the
+// last and first characters at each place before comparing the whole beats a
+// general search there; long texts go to the matcher built for part.
+bool containsOid(const QString &oid, const QString &part, const QStringMatcher &matcher)
+{
+    const int n = oid.size();
+    const int m = part.size();
+    if (m > n)
+        return false;
+    if (n > 128)
+        return matcher.indexIn(oid) >= 0;
+    const QChar *text = oid.constData();
+    const QChar *wanted = part.constData();
+    const QChar first = wanted[0];
+    const QChar last = wanted[m - 1];
+    for (int i = 0; i <= n - m; ++i) {
+        if (text[i + m - 1] == last && text[i] == first
+            && std::memcmp(text + i, wanted, sizeof(QChar) * size_t(m)) == 0)
+            return true;
+    }
+    return false;
+}
+
 } // namespace
 
 bool BaseRawType::readData(QByteArray *image)
@@ -107,7 +131,14 @@ bool BaseRawType::readData(QByteArray *image)
     if (!image || quint64(image->size()) < quint64(startAddress) + total)
         return false;
     mode = 0;
-    localCopy = QByteArray(image->constData() + startAddress, int(total));
+    // Reloading an image is the common case: the copy already has its size,
+    // so its buffer is reused rather than allocated anew for every item.
+    if (quint64(localCopy.size()) == total && localCopy.isDetached()) {
+        if (total > 0)
+            std::memcpy(localCopy.data(), image->constData() + startAddress, total);
+    } else {
+        localCopy = QByteArray(image->constData() + startAddress, int(total));
+    }
     return true;
 }
 
@@ -135,9 +166,11 @@ bool BaseRawType::readData(QHash<QString, QVariant> *variables)
     if (snmpStartAddress.isEmpty())
         return true;
     // A plain substring test on purpose: units answer with OIDs that carry
-    // the prefix inside a longer arc.
+    // the prefix inside a longer arc. Every item of a map scans the whole set,
+    // so the search tables are built once per call, not once per OID.
+    const QStringMatcher matcher(snmpStartAddress);
     for (auto it = variables->cbegin(); it != variables->cend(); ++it) {
-        if (it.key().contains(snmpStartAddress))
+        if (containsOid(it.key(), snmpStartAddress, matcher))
             snmpData.insert(it.key(), it.value());
     }
     return true;

@@ -23,12 +23,15 @@ void MemoryMap::addItem(QString name, BaseRawType *item)
     if (existing != items.cend() && existing.value() == item)
         return;
     // Held under another name, it would be destroyed twice.
-    for (auto it = items.cbegin(); it != items.cend(); ++it) {
-        if (it.value() == item)
-            return;
-    }
-    if (existing != items.cend())
+    if (order.contains(item))
+        return;
+    if (existing != items.cend()) {
+        // The new item takes the old one's place in the walk.
+        order[order.indexOf(existing.value())] = item;
         delete existing.value();
+    } else {
+        order.append(item);
+    }
     items.insert(name, item);
 }
 
@@ -46,7 +49,7 @@ bool MemoryMap::loadData(QByteArray *image)
 {
     if (!image)
         return false;
-    for (BaseRawType *item : qAsConst(items)) {
+    for (BaseRawType *item : qAsConst(order)) {
         if (!item->readData(image))
             return false;
     }
@@ -57,7 +60,7 @@ bool MemoryMap::saveData(QByteArray *image)
 {
     if (!image)
         return false;
-    for (BaseRawType *item : qAsConst(items)) {
+    for (BaseRawType *item : qAsConst(order)) {
         if (!item->writeData(image))
             return false;
     }
@@ -70,7 +73,7 @@ bool MemoryMap::loadData(QHash<QString, QVariant> *variables)
         return false;
     for (auto it = variables->cbegin(); it != variables->cend(); ++it)
         lastSent.insert(it.key(), it.value());
-    for (BaseRawType *item : qAsConst(items)) {
+    for (BaseRawType *item : qAsConst(order)) {
         if (!item->readData(variables))
             return false;
     }
@@ -81,7 +84,7 @@ bool MemoryMap::saveData(QHash<QString, QVariant> *toSend)
 {
     if (!toSend)
         return false;
-    for (BaseRawType *item : qAsConst(items)) {
+    for (BaseRawType *item : qAsConst(order)) {
         if (!item->writeData(toSend, lastSent))
             return false;
     }
@@ -91,7 +94,7 @@ bool MemoryMap::saveData(QHash<QString, QVariant> *toSend)
 QByteArray MemoryMap::serialise()
 {
     QJsonObject object;
-    for (BaseRawType *item : qAsConst(items))
+    for (BaseRawType *item : qAsConst(order))
         item->serialise(object);
     return QJsonDocument(object).toJson();
 }
@@ -100,7 +103,7 @@ bool MemoryMap::deserialise(const QByteArray &text)
 {
     // Anything but a JSON object (a parse error, an array) reads as {}.
     const QJsonObject object = QJsonDocument::fromJson(text).object();
-    for (BaseRawType *item : qAsConst(items)) {
+    for (BaseRawType *item : qAsConst(order)) {
         if (!item->deserialise(object))
             return false;
     }

@@ -8,6 +8,7 @@
 #include <QObject>
 #include <QString>
 #include <QVariant>
+#include <QVector>
 
 class BaseRawType;
 
@@ -43,6 +44,9 @@ public:
 private:
     QHash<QString, BaseRawType *> items;
     QHash<QString, QVariant> lastSent;
+    // The same items in the order they were added: whole-map walks run over
+    // a flat list rather than the hash's buckets.
+    QVector<BaseRawType *> order;
 };
 
 #endif // MEMORYMAP_H

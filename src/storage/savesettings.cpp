@@ -10,6 +10,8 @@
 #include <QSaveFile>
 #include <QtEndian>
 
+#include <utility>
+
 QByteArray SaveSettings::exFileFormatIdentifier = QStringLiteral("AAAA").toLatin1();
 
 QMap<short, QString> SaveSettings::deviceCodes;
@@ -39,8 +41,8 @@ const quint32 nullLength = 0xFFFFFFFF;
 class FieldReader
 {
 public:
-    FieldReader(const QByteArray &buffer, int start)
-        : bytes(buffer)
+    FieldReader(QByteArray buffer, int start)
+        : bytes(std::move(buffer))
         , pos(start)
     {
     }
@@ -66,10 +68,24 @@ public:
             return QByteArray();
         if (length == nullLength)
             return QByteArray();
-        const uchar *field = take(length);
-        if (!field)
+        return readField(length);
+    }
+
+    // The last field of a record. When it runs exactly to the end of the
+    // buffer, the buffer itself becomes the field: a large image is moved
+    // within its own memory instead of being copied into a new one.
+    QByteArray readLastBytes()
+    {
+        quint32 length = 0;
+        if (!readLength(length) || length == nullLength)
             return QByteArray();
-        return QByteArray(reinterpret_cast<const char *>(field), int(length));
+        if (damaged || quint32(bytes.size() - pos) != length || length == 0)
+            return readField(length);
+        QByteArray field = std::move(bytes);
+        field.remove(0, pos);
+        bytes = QByteArray();
+        pos = 0;
+        return field;
     }
 
     // UTF-16 text with big-endian code units; an odd byte count cannot be text.
@@ -94,6 +110,14 @@ public:
     }
 
 private:
+    QByteArray readField(quint32 length)
+    {
+        const uchar *field = take(length);
+        if (!field)
+            return QByteArray();
+        return QByteArray(reinterpret_cast<const char *>(field), int(length));
+    }
+
     bool readLength(quint32 &length)
     {
         const uchar *field = take(4);
@@ -115,7 +139,7 @@ private:
         return field;
     }
 
-    const QByteArray &bytes;
+    QByteArray bytes;
     int pos;
     bool damaged = false;
 };
@@ -130,15 +154,15 @@ QString currentModelName(const QString &name)
     return SaveSettings::oldVersionNames.value(name, name);
 }
 
-void readCurrentGeneration(DeviceSettingsEx &settings, const QByteArray &bytes)
+void readCurrentGeneration(DeviceSettingsEx &settings, QByteArray bytes)
 {
-    FieldReader reader(bytes, SaveSettings::exFileFormatIdentifier.size());
+    FieldReader reader(std::move(bytes), SaveSettings::exFileFormatIdentifier.size());
     settings.deviceCode = reader.readInt16();
     settings.deviceName = reader.readString();
     settings.param16 = reader.readInt16();
     settings.param32 = reader.readInt32();
     settings.hash = reader.readBytes();
-    settings.data = reader.readBytes();
+    settings.data = reader.readLastBytes();
     // A cut-off image can still match the digest of a shorter one (an empty
     // image, say); dropping the digest makes every damaged file show as such.
     if (reader.isDamaged())
@@ -146,14 +170,15 @@ void readCurrentGeneration(DeviceSettingsEx &settings, const QByteArray &bytes)
     settings.deviceName = currentModelName(settings.deviceName);
 }
 
-void readOldGeneration(DeviceSettingsEx &settings, const QByteArray &bytes)
+void readOldGeneration(DeviceSettingsEx &settings, QByteArray bytes)
 {
     DeviceSettings old;
-    FieldReader reader(bytes, 0);
+    const bool empty = bytes.isEmpty();
+    FieldReader reader(std::move(bytes), 0);
     old.deviceCode = reader.readInt16();
     old.deviceName = reader.readString();
     old.param16 = reader.readInt16();
-    old.data = reader.readBytes();
+    old.data = reader.readLastBytes();
 
     settings.data = old.data;
     settings.deviceCode = old.deviceCode;
@@ -162,7 +187,7 @@ void readOldGeneration(DeviceSettingsEx &settings, const QByteArray &bytes)
     // These files carry no digest: an intact one gets the digest of its image
     // so that it passes the check. A damaged one gets none and fails it. An
     // empty file holds no fields at all and reads as an empty record.
-    if (!reader.isDamaged() || bytes.isEmpty())
+    if (!reader.isDamaged() || empty)
         settings.hash = sha256(settings.data);
     else
         settings.hash.clear();
@@ -181,17 +206,21 @@ bool SaveSettings::save(DeviceSettingsEx &settings, QString path)
 {
     settings.hash = sha256(settings.data);
 
-    QByteArray record;
+    // The record as QDataStream writes it, but the image goes to the file
+    // straight from the caller's record rather than through a copy.
+    QByteArray header = exFileFormatIdentifier;
     {
-        QDataStream stream(&record, QIODevice::WriteOnly);
+        QDataStream stream(&header, QIODevice::Append);
         stream << settings.deviceCode << settings.deviceName << settings.param16 << settings.param32
-               << settings.hash << settings.data;
+               << settings.hash;
+        stream << (settings.data.isNull() ? nullLength : quint32(settings.data.size()));
     }
 
     QSaveFile file(path);
     if (!file.open(QIODevice::WriteOnly))
         return false;
-    file.write(exFileFormatIdentifier + record);
+    file.write(header);
+    file.write(settings.data);
     // Only a complete image replaces the earlier file; a failed write keeps
     // it, and the caller must know that nothing was saved.
     return file.commit();
@@ -210,12 +239,12 @@ bool SaveSettings::read(DeviceSettingsEx &settings, QString path)
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
         return false;
-    const QByteArray bytes = file.readAll();
+    QByteArray bytes = file.readAll();
     file.close();
 
     if (bytes.startsWith(exFileFormatIdentifier))
-        readCurrentGeneration(settings, bytes);
+        readCurrentGeneration(settings, std::move(bytes));
     else
-        readOldGeneration(settings, bytes);
+        readOldGeneration(settings, std::move(bytes));
     return true;
 }

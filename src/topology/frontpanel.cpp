@@ -1,8 +1,10 @@
 #include "frontpanel.h"
 
+#include <QFontMetricsF>
 #include <QHash>
 #include <QImage>
 #include <QLine>
+#include <QPaintEngine>
 #include <QPainter>
 #include <QPolygonF>
 
@@ -70,22 +72,37 @@ const QImage &interfaceImage(int type)
     return type == 0 ? serial : type == 1 ? ethernet : none;
 }
 
-void paintText(QPainter *p, const FrontPanelElement &e)
+// The label as shown: cut to the length given as second parameter.
+QString shownText(const FrontPanelElement &e)
 {
-    if (e.parameters.isEmpty())
-        return;
-    QString text = e.parameters.at(0);
+    QString text = e.parameters.value(0);
     if (e.parameters.size() > 1) {
         bool ok = false;
         const int n = intParam(e.parameters, 1, &ok);
         if (ok)
             text = text.left(n);
     }
-    p->setPen(blackPen());
-    QFont font = p->font();
+    return text;
+}
+
+QFont labelFont(QFont font)
+{
     font.setPixelSize(16);
-    p->setFont(font);
-    p->drawText(QPointF(e.x + 5, e.y + s - 3), text);
+    return font;
+}
+
+QPointF textOrigin(const FrontPanelElement &e)
+{
+    return QPointF(e.x + 5, e.y + s - 3);
+}
+
+void paintText(QPainter *p, const FrontPanelElement &e)
+{
+    if (e.parameters.isEmpty())
+        return;
+    p->setPen(blackPen());
+    p->setFont(labelFont(p->font()));
+    p->drawText(textOrigin(e), shownText(e));
 }
 
 void paintLamp(QPainter *p, const FrontPanelElement &e, qreal inset)
@@ -109,25 +126,48 @@ void paintBackground(QPainter *p, const FrontPanelElement &e)
         p->drawRect(QRect(pixel(e.x + i * s), pixel(e.y), s, s));
 }
 
-void paintProgressBar(QPainter *p, const FrontPanelElement &e)
+// The frame and the bar of a level bar; false when its numbers do not read.
+bool progressBarRects(const FrontPanelElement &e, QRect *frame, QRect *bar)
 {
     if (e.parameters.size() < 2)
-        return;
+        return false;
     bool valueOk = false;
     bool lengthOk = false;
     const int value = intParam(e.parameters, 0, &valueOk);
     const int length = intParam(e.parameters, 1, &lengthOk);
     if (!valueOk || !lengthOk)
-        return;
-    p->setPen(Qt::darkGray);
-    p->setBrush(Qt::darkGray);
-    p->drawRect(QRect(pixel(e.x), pixel(e.y), pixel(qreal(length) * s), s));
+        return false;
+    *frame = QRect(pixel(e.x), pixel(e.y), pixel(qreal(length) * s), s);
     // The fill is computed in real numbers: integer division would leave
     // bars shorter than five units empty.
     const qreal fill = qreal(length) * s / 100 * std::min(value, 100) - 4;
+    *bar = QRect(pixel(e.x + 2), pixel(e.y + 2), pixel(fill), s - 4);
+    return true;
+}
+
+QRectF progressBarArea(const FrontPanelElement &e)
+{
+    QRect frame;
+    QRect bar;
+    if (!progressBarRects(e, &frame, &bar))
+        return QRectF(e.x, e.y, s, s);
+    // Rectangles of negative size are drawn reaching left or up.
+    return QRectF(frame.normalized().adjusted(-1, -1, 1, 1))
+        .united(QRectF(bar.normalized().adjusted(-1, -1, 1, 1)));
+}
+
+void paintProgressBar(QPainter *p, const FrontPanelElement &e)
+{
+    QRect frame;
+    QRect bar;
+    if (!progressBarRects(e, &frame, &bar))
+        return;
+    p->setPen(Qt::darkGray);
+    p->setBrush(Qt::darkGray);
+    p->drawRect(frame);
     p->setPen(Qt::NoPen);
     p->setBrush(QColor(0, 230, 117));
-    p->drawRect(QRect(pixel(e.x + 2), pixel(e.y + 2), pixel(fill), s - 4));
+    p->drawRect(bar);
 }
 
 void paintInterface(QPainter *p, const FrontPanelElement &e)
@@ -236,6 +276,8 @@ bool FrontPanel::parse(const QString &description)
 {
     elements.clear();
     toolTip.clear();
+    layer = QImage();
+    layerHints = -1;
 
     const QStringList entries = description.split(QLatin1Char(';'));
     if (entries.isEmpty())
@@ -305,7 +347,93 @@ bool FrontPanel::parseElement(const QString &entry, FrontPanelElement *element) 
     return true;
 }
 
+// Layers larger than this are not kept: such a panel is painted directly.
+constexpr qint64 maxLayerPixels = 1 << 18;
+
+bool FrontPanel::canUseLayer(const QPainter *painter)
+{
+    const QTransform t = painter->deviceTransform();
+    const QPaintEngine *engine = painter->paintEngine();
+    // Elements overlapping each other blend differently from one layer under
+    // opacity or another composition mode.
+    return engine && engine->type() == QPaintEngine::Raster && t.type() <= QTransform::TxTranslate
+        && t.dx() == std::floor(t.dx()) && t.dy() == std::floor(t.dy()) && painter->opacity() == 1.0
+        && painter->compositionMode() == QPainter::CompositionMode_SourceOver;
+}
+
+// Where the elements may put ink, in item pixels: each element's own area
+// with room for the widest pen, a label by its font.
+QRect FrontPanel::elementExtent(const QFont &font) const
+{
+    QRectF extent;
+    const QFontMetricsF metrics(labelFont(font));
+    for (const FrontPanelElement &e : elements) {
+        QRectF area(e.x, e.y, s, s);
+        switch (e.kind) {
+        case Text:
+            area = metrics.boundingRect(shownText(e)).translated(textOrigin(e));
+            break;
+        case Interface:
+            area.setSize(QSizeF(1.5 * s, 1.5 * s));
+            break;
+        case Db9:
+        case Db25:
+            area.setWidth(3 * s);
+            break;
+        case Background:
+            if (e.parameters.size() >= 4)
+                area.setWidth(qreal(qBound(0, intParam(e.parameters, 3), maxBackgroundCells)) * s);
+            break;
+        case ProgressBar:
+            area = progressBarArea(e);
+            break;
+        default:
+            break;
+        }
+        extent = extent.united(area.adjusted(-3, -3, 3, 3));
+    }
+    return extent.toAlignedRect();
+}
+
+bool FrontPanel::ensureLayer(const QFont &font, int hints) const
+{
+    if (hints == layerHints && font == layerFont)
+        return !layer.isNull();
+    layer = QImage();
+    layerFont = font;
+    layerHints = hints;
+    // A refusal is kept too, so that huge panels are not measured on every repaint.
+    const QRect extent = elementExtent(font);
+    if (extent.isEmpty() || qint64(extent.width()) * extent.height() > maxLayerPixels
+        || qMax(qAbs(extent.left()), qAbs(extent.top())) > maxPixels)
+        return false;
+
+    QImage image(extent.size(), QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    QPainter painter(&image);
+    painter.setRenderHints(QPainter::RenderHints(hints));
+    painter.setFont(font);
+    painter.translate(-extent.topLeft());
+    paintElements(&painter);
+    painter.end();
+
+    layer = image;
+    layerOrigin = extent.topLeft();
+    return true;
+}
+
 void FrontPanel::paint(QPainter *painter) const
+{
+    if (elements.isEmpty())
+        return;
+    if (canUseLayer(painter) && ensureLayer(painter->font(), int(painter->renderHints()))) {
+        painter->drawImage(layerOrigin, layer);
+        return;
+    }
+    paintElements(painter);
+}
+
+void FrontPanel::paintElements(QPainter *painter) const
 {
     painter->save();
     for (const FrontPanelElement &e : elements) {

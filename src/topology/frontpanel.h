@@ -3,7 +3,11 @@
 
 #include "muxcore_export.h"
 
+#include <QFont>
+#include <QImage>
 #include <QList>
+#include <QPoint>
+#include <QRect>
 #include <QRectF>
 #include <QString>
 #include <QStringList>
@@ -66,12 +70,28 @@ public:
 
 private:
     bool parseElement(const QString &entry, FrontPanelElement *element) const;
+    void paintElements(QPainter *painter) const;
+    // Whether the painter maps item pixels one to one onto a raster device,
+    // where a composited layer gives the same pixels as painting each element.
+    static bool canUseLayer(const QPainter *painter);
+    // Paints the elements once into the layer for this font and these hints;
+    // false when the elements reach too far for a layer.
+    bool ensureLayer(const QFont &font, int hints) const;
+    QRect elementExtent(const QFont &font) const;
 
     QRectF dimensionRect;
     int width = 10;
     int height = 4;
     QList<FrontPanelElement> elements;
     QString toolTip;
+
+    // The elements as painted last, so that the repaints of alarm blinking
+    // composite one image instead of drawing every element again. Dropped by
+    // parse().
+    mutable QImage layer;
+    mutable QPoint layerOrigin; // item coordinates of the layer's top-left
+    mutable QFont layerFont;
+    mutable int layerHints = -1;
 };
 
 #endif // FRONTPANEL_H

@@ -119,6 +119,9 @@ private slots:
     void oidForms_data();
     void oidForms();
     void readVariablesBySubstring();
+    void substringPlaces_data();
+    void substringPlaces();
+    void reloadLeavesHeldCopies();
     void snmpSettersAndBitFields();
     void writeOnlyChanges();
 };
@@ -345,6 +348,63 @@ void tst_BaseRawType::readVariablesBySubstring()
         (QHash<QString, QVariant> {{"1.2.3.44.2", 5}, {"9.1.2.3.4.1", 2}, {"1.2.3.4.7", 6}}));
     QVERIFY(item.clearSnmpData());
     QVERIFY(item.getSnmpData().isEmpty());
+}
+
+void tst_BaseRawType::substringPlaces_data()
+{
+    QTest::addColumn<QString>("prefix");
+    QTest::addColumn<QString>("oid");
+    QTest::addColumn<bool>("taken");
+
+    const QString longArc = QString(".7").repeated(100); // past the short-OID search
+    QTest::newRow("equal") << "1.2.3.4"
+                           << "1.2.3.4" << true;
+    QTest::newRow("at the end") << "3.4"
+                                << "1.2.3.4" << true;
+    QTest::newRow("ends agree, middle differs") << "1.5.4"
+                                                << "1.2.4" << false;
+    QTest::newRow("after a false start") << "1.1.2"
+                                         << "1.1.1.2" << true;
+    QTest::newRow("longer than the OID") << "1.2.3.4.5"
+                                         << "1.2.3.4" << false;
+    QTest::newRow("one character") << "9"
+                                   << "1.2.9" << true;
+    QTest::newRow("long OID, at the end") << "1.2.3.4" << longArc + ".1.2.3.4" << true;
+    QTest::newRow("long OID, nowhere") << "1.2.3.4" << longArc + ".1.2.3.5" << false;
+    QTest::newRow("case counts") << "a.b"
+                                 << "1.A.B" << false;
+}
+
+void tst_BaseRawType::substringPlaces()
+{
+    QFETCH(QString, prefix);
+    QFETCH(QString, oid);
+    QFETCH(bool, taken);
+    BaseRawType item;
+    item.setStartAddress(prefix);
+    QHash<QString, QVariant> set {{oid, 1}};
+    QVERIFY(item.readData(&set));
+    QCOMPARE(item.getSnmpData().contains(oid), taken);
+}
+
+// Reloading writes into the item's own buffer; a copy handed out earlier
+// must keep the bytes it had.
+void tst_BaseRawType::reloadLeavesHeldCopies()
+{
+    BaseRawType item;
+    item.setItemSize(1);
+    item.setItemsCount(3);
+    QByteArray first = hex("010203");
+    QVERIFY(item.readData(&first));
+    const QByteArray held = item.getLocalCopy();
+    QByteArray second = hex("0a0b0c");
+    QVERIFY(item.readData(&second));
+    QCOMPARE(held, hex("010203"));
+    QCOMPARE(item.getLocalCopy(), hex("0a0b0c"));
+    QByteArray third = hex("111213");
+    QVERIFY(item.readData(&third));
+    QCOMPARE(item.getLocalCopy(), hex("111213"));
+    QCOMPARE(second, hex("0a0b0c"));
 }
 
 void tst_BaseRawType::snmpSettersAndBitFields()

@@ -258,6 +258,9 @@ void tst_SaveSettings::damagedContent_data()
     // A cut-off image must not pass merely because the digest is of an empty one.
     QTest::newRow("huge image after digest of nothing")
         << head + bytesField(sha256("")) + be32(0x10000000) + "x" << true;
+    // Bytes after the image are not part of it: the image still matches.
+    QTest::newRow("bytes after the image") << currentFile(7, "N", 1, 2, "image") + "zz" << false;
+    QTest::newRow("old, bytes after the image") << oldFile(7, "N", 1, "image") + "zz" << false;
     QTest::newRow("old, huge name") << be16(7) + be32(0x7FFFFFFE) + "abc" << true;
     QTest::newRow("old, huge image") << be16(7) + textField("N") + be16(0) + be32(0xFFFFFFF0) << true;
 }

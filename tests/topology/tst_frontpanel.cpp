@@ -5,6 +5,7 @@
 #include <QDir>
 #include <QImage>
 #include <QPainter>
+#include <QPicture>
 
 class tst_FrontPanel : public QObject
 {
@@ -17,6 +18,9 @@ private slots:
     void textAndPictures();
     void referencePanel_data();
     void referencePanel();
+    void layerMatchesDirectPainting_data();
+    void layerMatchesDirectPainting();
+    void layerFollowsDescriptionAndZoom();
 };
 
 namespace {
@@ -182,6 +186,77 @@ void tst_FrontPanel::referencePanel()
         for (int x = 0; x < image.width(); ++x)
             differing += image.pixel(x, y) != reference.pixel(x, y);
     QVERIFY2(differing * 50 < image.width() * image.height(), qPrintable(QString::number(differing)));
+}
+
+// Repaints composite the elements painted once; through a QPicture the
+// painter records every element instead, which is the reference here.
+void tst_FrontPanel::layerMatchesDirectPainting_data()
+{
+    QTest::addColumn<QString>("description");
+    QTest::addColumn<QPoint>("offset");
+
+    const QString panel = "dimension: 8x3; 0x0(background): 200,215,230,8; 0x1(interf): 0; 1.5x1(db9);"
+                          "4x1(rj45): 1,1; 5x1(sfp); 6x1(ofm); 7x1(alarm): 255,0,0; 7x2(led): 0,255,0;"
+                          "6x0(ledmat): 1,0,1; 0x2(progressbar): 72,5";
+    QTest::newRow("at the origin") << panel << QPoint(0, 0);
+    QTest::newRow("moved") << panel << QPoint(37, 11);
+    QTest::newRow("reaching past the panel")
+        << "dimension: 2x1; 1x0(background): 0,0,255,3; -1x0(db25)" << QPoint(40, 5);
+    QTest::newRow("bar of a negative value") << "dimension: 4x1; 2x0(progressbar): -40,2" << QPoint(60, 0);
+    QTest::newRow("too wide for a layer")
+        << "dimension: 2x1; 0x0(background): 0,0,255,4000; 1x0(led): 1,2,3" << QPoint(3, 0);
+}
+
+void tst_FrontPanel::layerMatchesDirectPainting()
+{
+    QFETCH(QString, description);
+    QFETCH(QPoint, offset);
+    FrontPanel panel;
+    panel.parse(description);
+
+    QPicture recorded;
+    QPainter recorder(&recorded);
+    panel.paint(&recorder);
+    recorder.end();
+
+    QImage direct(200, 100, QImage::Format_RGB32);
+    direct.fill(Qt::white);
+    QPainter painter(&direct);
+    painter.translate(offset);
+    painter.drawPicture(0, 0, recorded);
+    painter.end();
+
+    QImage layered(direct.size(), QImage::Format_RGB32);
+    for (int pass = 0; pass < 2; ++pass) { // the second pass reuses the layer
+        layered.fill(Qt::white);
+        QPainter painter(&layered);
+        painter.translate(offset);
+        panel.paint(&painter);
+        painter.end();
+        QCOMPARE(layered, direct);
+    }
+}
+
+void tst_FrontPanel::layerFollowsDescriptionAndZoom()
+{
+    FrontPanel panel;
+    panel.parse("dimension: 2x1; 0x0(led): 255,0,0");
+    QImage image(80, 40, QImage::Format_RGB32);
+    auto paint = [&](qreal scale) {
+        image.fill(Qt::white);
+        QPainter painter(&image);
+        painter.scale(scale, scale);
+        panel.paint(&painter);
+    };
+    paint(1);
+    QCOMPARE(QColor(image.pixel(10, 10)), QColor(Qt::red));
+    panel.parse("dimension: 2x1; 0x0(led): 0,0,255");
+    paint(1);
+    QCOMPARE(QColor(image.pixel(10, 10)), QColor(Qt::blue));
+    // Zoomed, the lamp is drawn at its new size, not blown up from a layer.
+    paint(2);
+    QCOMPARE(QColor(image.pixel(20, 20)), QColor(Qt::blue));
+    QCOMPARE(QColor(image.pixel(12, 12)), QColor(Qt::white));
 }
 
 QTEST_MAIN(tst_FrontPanel)
