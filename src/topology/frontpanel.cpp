@@ -362,8 +362,9 @@ bool FrontPanel::canUseLayer(const QPainter *painter)
 }
 
 // Where the elements may put ink, in item pixels: each element's own area
-// with room for the widest pen, a label by its font.
-QRect FrontPanel::elementExtent(const QFont &font) const
+// with room for the widest pen, a label by its font. Kept in real numbers:
+// hostile positions reach beyond what an integer rectangle can measure.
+QRectF FrontPanel::elementExtent(const QFont &font) const
 {
     QRectF extent;
     const QFontMetricsF metrics(labelFont(font));
@@ -392,7 +393,7 @@ QRect FrontPanel::elementExtent(const QFont &font) const
         }
         extent = extent.united(area.adjusted(-3, -3, 3, 3));
     }
-    return extent.toAlignedRect();
+    return extent;
 }
 
 bool FrontPanel::ensureLayer(const QFont &font, int hints) const
@@ -403,10 +404,11 @@ bool FrontPanel::ensureLayer(const QFont &font, int hints) const
     layerFont = font;
     layerHints = hints;
     // A refusal is kept too, so that huge panels are not measured on every repaint.
-    const QRect extent = elementExtent(font);
-    if (extent.isEmpty() || qint64(extent.width()) * extent.height() > maxLayerPixels
-        || qMax(qAbs(extent.left()), qAbs(extent.top())) > maxPixels)
+    const QRectF reach = elementExtent(font);
+    if (reach.isEmpty() || reach.width() * reach.height() > qreal(maxLayerPixels)
+        || qMax(qAbs(reach.left()), qAbs(reach.top())) > maxPixels)
         return false;
+    const QRect extent = reach.toAlignedRect();
 
     QImage image(extent.size(), QImage::Format_ARGB32_Premultiplied);
     image.fill(Qt::transparent);

@@ -77,7 +77,7 @@ private:
     // Paints the elements once into the layer for this font and these hints;
     // false when the elements reach too far for a layer.
     bool ensureLayer(const QFont &font, int hints) const;
-    QRect elementExtent(const QFont &font) const;
+    QRectF elementExtent(const QFont &font) const;
 
     QRectF dimensionRect;
     int width = 10;
