@@ -1,10 +1,19 @@
 # Runs each fuzz target for FUZZ_SECONDS on a working copy of its seed corpus
+# (or, when FUZZ_RUNS is set, for that many inputs from a fixed seed and a fixed
+# Qt hash seed, so that a run does not depend on the machine's speed: the
+# continuous-integration form)
 # (the committed corpus is never written to) and fails if any target finds a
 # crash, a leak, a time-out or sanitizer report. Crash inputs are left in
 # <build>/artifacts/<target>/; copy them to fuzz/regressions/<target>/ once fixed.
 set(seconds $ENV{FUZZ_SECONDS})
 if(NOT seconds)
     set(seconds ${FUZZ_DEFAULT_SECONDS})
+endif()
+set(limit -max_total_time=${seconds})
+set(length "${seconds} s")
+if(DEFINED ENV{FUZZ_RUNS})
+    set(limit -runs=$ENV{FUZZ_RUNS} -seed=1)
+    set(length "$ENV{FUZZ_RUNS} inputs")
 endif()
 string(REPLACE "," ";" targets "${FUZZ_TARGETS}")
 
@@ -20,12 +29,13 @@ foreach(target ${targets})
         file(COPY ${seeds} ${regressions} DESTINATION ${work})
     endif()
 
-    message(STATUS "${target}: ${seconds} s")
+    message(STATUS "${target}: ${length}")
     execute_process(
         COMMAND ${CMAKE_COMMAND} -E env
             "LSAN_OPTIONS=suppressions=${FUZZ_SOURCE_DIR}/lsan.supp:print_suppressions=0"
+            QT_HASH_SEED=0
             ${FUZZ_BIN_DIR}/${target}
-            -max_total_time=${seconds} -timeout=10 -rss_limit_mb=2048 -max_len=8192
+            ${limit} -timeout=10 -rss_limit_mb=2048 -max_len=8192
             -print_final_stats=1 -artifact_prefix=${artifacts}/ ${work}
         RESULT_VARIABLE result
         OUTPUT_VARIABLE output
