@@ -32,6 +32,31 @@ DeviceScene::DeviceScene(QObject *parent)
     connect(timer, &QTimer::timeout, this, &DeviceScene::alarmLoopTimeout);
 }
 
+namespace {
+
+// The link-drawing band forgets itself in the scene when it is deleted by
+// anyone, so a host's QGraphicsScene::clear() mid-drag leaves no dangling
+// pointer behind.
+class RubberBand : public QGraphicsLineItem
+{
+public:
+    RubberBand(const QLineF &line, QGraphicsLineItem **slot)
+        : QGraphicsLineItem(line)
+        , slot(slot)
+    {
+    }
+    ~RubberBand() override
+    {
+        if (*slot == this)
+            *slot = nullptr;
+    }
+
+private:
+    QGraphicsLineItem **slot;
+};
+
+} // namespace
+
 DeviceScene::~DeviceScene()
 {
     timer->stop();
@@ -246,7 +271,7 @@ void DeviceScene::mousePressEvent(QGraphicsSceneMouseEvent *event)
     if (mode == LinkMode) {
         // A press without a release in between leaves no stray band.
         delete line;
-        line = new QGraphicsLineItem(QLineF(event->scenePos(), event->scenePos()));
+        line = new RubberBand(QLineF(event->scenePos(), event->scenePos()), &line);
         line->setPen(QPen(QBrush(Qt::black), 1.0, Qt::SolidLine, Qt::SquareCap, Qt::BevelJoin));
         addItem(line);
     }

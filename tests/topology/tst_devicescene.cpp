@@ -21,6 +21,7 @@ private slots:
     void linkDrawing_data();
     void linkDrawing();
     void dragMovesWithinTheArea();
+    void clearDuringLinkDrag();
     void linkListFollowsDeletions();
     void alarmBlinking();
     void highlightFollowsSelection();
@@ -185,6 +186,18 @@ void tst_DeviceScene::dragMovesWithinTheArea()
     QCOMPARE(selected.count(), 1);
     f.drag(QPointF(90, 80), QPointF(5, 80));
     QCOMPARE(f.scene.getItemPos(1), QPointF(0, 70));
+}
+
+void tst_DeviceScene::clearDuringLinkDrag()
+{
+    Fixture f;
+    f.scene.setInsertMode(DeviceScene::LinkMode);
+    f.send(QEvent::MouseButtonPress, QPointF(60, 60), Qt::LeftButton, Qt::LeftButton);
+    f.scene.clear(); // deletes the band under the scene's feet
+    f.send(QEvent::MouseMove, QPointF(310, 60), Qt::NoButton, Qt::LeftButton);
+    f.send(QEvent::MouseButtonRelease, QPointF(310, 60), Qt::LeftButton, Qt::NoButton);
+    QVERIFY(f.scene.items().isEmpty());
+    QVERIFY(f.scene.getArrowLinkList().isEmpty());
 }
 
 void tst_DeviceScene::linkListFollowsDeletions()
