@@ -180,8 +180,7 @@ QByteArray DemoUnit::encode(const Operation &operation)
     case Command: {
         QHash<QString, QVariant> toSend;
         if (operation.command == CmdSetClock) {
-            toSend.insert(oidClock() + QStringLiteral(".0"),
-                QString::fromLatin1(operation.argument.constData(), operation.argument.size()));
+            toSend.insert(oidClock() + QStringLiteral(".0"), byteString(operation.argument));
         } else {
             const int argument
                 = operation.argument.isEmpty() ? 0 : static_cast<unsigned char>(operation.argument.at(0));
@@ -638,7 +637,7 @@ QString addressOf(BaseRawType *item)
     if (item->getMode() == 1)
         return item->getValue(QString()).toString();
     const QByteArray &bytes = item->getLocalCopy();
-    return Convert::ipToString(QString::fromLatin1(bytes.constData(), bytes.size()));
+    return Convert::ipToString(byteString(bytes));
 }
 
 void setAddressOf(BaseRawType *item, const QString &text)
@@ -686,8 +685,7 @@ QString DemoUnit::label()
     if (item->getMode() == 1)
         return item->getValue(QString()).toString();
     const QByteArray &bytes = item->getLocalCopy();
-    return QString::fromLatin1(
-        bytes.constData(), static_cast<int>(qstrnlen(bytes.constData(), bytes.size())));
+    return paddedText(bytes);
 }
 
 void DemoUnit::setLabel(const QString &text)
@@ -744,7 +742,7 @@ QDateTime DemoUnit::unitClock()
     if (item->getMode() == 1)
         return Convert::strToDate(item->getValue().toString());
     const QByteArray &bytes = item->getLocalCopy();
-    return Convert::strToDate(QString::fromLatin1(bytes.constData(), bytes.size()));
+    return Convert::strToDate(byteString(bytes));
 }
 
 Core::AlarmType DemoUnit::alarmFromStatus()
@@ -791,11 +789,10 @@ bool DemoUnit::setConfigImage(const QByteArray &image, bool keepAddresses)
         setPortAmi(port, (bits >> portAmiBit) & 1u);
     }
     if (!keepAddresses) {
-        setIpAddress(Convert::ipToString(QString::fromLatin1(image.constData() + cfgIp, 4)));
-        setSubnetMask(Convert::ipToString(QString::fromLatin1(image.constData() + cfgMask, 4)));
+        setIpAddress(Convert::ipToString(byteString(image.mid(cfgIp, 4))));
+        setSubnetMask(Convert::ipToString(byteString(image.mid(cfgMask, 4))));
     }
-    const char *label = image.constData() + cfgLabel;
-    setLabel(QString::fromLatin1(label, static_cast<int>(qstrnlen(label, cfgLabelSize))));
+    setLabel(paddedText(image.mid(cfgLabel, cfgLabelSize)));
     return true;
 }
 

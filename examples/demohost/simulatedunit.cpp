@@ -118,13 +118,9 @@ QByteArray SimulatedUnit::statusImage() const
 QHash<QString, QVariant> SimulatedUnit::variables() const
 {
     QHash<QString, QVariant> vars;
-    vars.insert(oidSystem() + QStringLiteral(".1"),
-        Convert::ipToString(QString::fromLatin1(config.constData() + cfgIp, 4)));
-    vars.insert(oidSystem() + QStringLiteral(".2"),
-        Convert::ipToString(QString::fromLatin1(config.constData() + cfgMask, 4)));
-    const QByteArray label = config.mid(cfgLabel, cfgLabelSize);
-    vars.insert(oidSystem() + QStringLiteral(".3"),
-        QString::fromLatin1(label.constData(), qstrnlen(label.constData(), label.size())));
+    vars.insert(oidSystem() + QStringLiteral(".1"), Convert::ipToString(byteString(config.mid(cfgIp, 4))));
+    vars.insert(oidSystem() + QStringLiteral(".2"), Convert::ipToString(byteString(config.mid(cfgMask, 4))));
+    vars.insert(oidSystem() + QStringLiteral(".3"), paddedText(config.mid(cfgLabel, cfgLabelSize)));
     for (int port = 0; port < portCount; ++port) {
         const unsigned char bits = static_cast<unsigned char>(config.at(cfgPorts + port));
         vars.insert(portOid(oidPortTable(), colPortEnabled, port), snmpTruth((bits >> portEnabledBit) & 1u));
@@ -182,7 +178,7 @@ bool SimulatedUnit::runCommand(unsigned char command, const QByteArray &argument
         config = saved;
         return true;
     case CmdSetClock: {
-        const QDateTime set = Convert::strToDate(QString::fromLatin1(argument.constData(), argument.size()));
+        const QDateTime set = Convert::strToDate(byteString(argument));
         if (!set.isValid())
             return false;
         clockOffsetMs = QDateTime::currentDateTime().msecsTo(set);

@@ -1,6 +1,7 @@
 #ifndef UNITLAYOUT_H
 #define UNITLAYOUT_H
 
+#include <QByteArray>
 #include <QString>
 
 // What the demo's unit model and its simulator agree on: the memory layout of
@@ -10,6 +11,20 @@
 namespace UnitLayout {
 
 constexpr int portCount = 4;
+
+// Raw unit values travel as byte strings, one character per byte. The
+// (data, size) form keeps zero bytes, where the QByteArray overload stops.
+inline QString byteString(const QByteArray &bytes)
+{
+    return QString::fromLatin1(bytes.constData(), bytes.size());
+}
+
+// A zero-padded Latin-1 text field: the text up to its first zero byte.
+inline QString paddedText(const QByteArray &field)
+{
+    return QString::fromLatin1(
+        field.constData(), static_cast<int>(qstrnlen(field.constData(), field.size())));
+}
 
 // Configuration image (also the payload of a device settings file).
 constexpr int cfgPorts = 0; // one byte per port: bit 0 enabled, bit 1 CRC-4, bit 2 AMI line code
