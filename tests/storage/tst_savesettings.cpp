@@ -1,6 +1,8 @@
 #include <storage/devicesettingsex.h>
 #include <storage/savesettings.h>
 
+#include "filehelpers.h"
+
 #include <QtTest>
 
 #include <QCryptographicHash>
@@ -50,18 +52,6 @@ QByteArray currentFile(int code, const QString &name, int p16, qint32 p32, const
 QByteArray oldFile(int code, const QString &name, int p16, const QByteArray &data)
 {
     return be16(code) + textField(name) + be16(p16) + bytesField(data);
-}
-
-bool writeFile(const QString &path, const QByteArray &bytes)
-{
-    QFile file(path);
-    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
-}
-
-QByteArray readFile(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("unreadable");
 }
 
 } // namespace

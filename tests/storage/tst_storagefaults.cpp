@@ -6,6 +6,8 @@
 #include <storage/filesystemcheck.h>
 #include <storage/savesettings.h>
 
+#include "filehelpers.h"
+
 #include <QtTest>
 
 #include <QCryptographicHash>
@@ -18,18 +20,6 @@
 #endif
 
 namespace {
-
-bool writeFile(const QString &path, const QByteArray &bytes)
-{
-    QFile file(path);
-    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
-}
-
-QByteArray readFile(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("unreadable");
-}
 
 // Runs file access of this thread as an unprivileged user while it lives, so
 // that permissions bite also when the tests run as root.
