@@ -10,7 +10,6 @@
 #include <QList>
 #include <QModelIndex>
 #include <QObject>
-#include <QSet>
 #include <QString>
 #include <QVector>
 
@@ -135,6 +134,7 @@ private:
     bool addressMatches(DeviceDescriptor *device, const QString &address) const;
     void refreshScanList();
     void deletePendingRemoval();
+    void forgetDevice(QObject *device);
     void countUnitRows(QStandardItem *item, int delta);
     void onRowsInserted(const QModelIndex &parent, int first, int last);
     void onRowsAboutToBeRemoved(const QModelIndex &parent, int first, int last);
@@ -165,7 +165,9 @@ private:
     // getItemIndex() skip the tree walk without changing which row it finds.
     QHash<unsigned short, int> unitRowCount;
     QHash<unsigned short, QStandardItem *> unitRowCache;
-    QSet<const DeviceDescriptor *> registeredDevices;
+    // Each registered descriptor's key. Held as QObject so that a descriptor
+    // destroyed behind the map's back can still be looked up.
+    QHash<const QObject *, unsigned short> registeredDevices;
 };
 
 #endif // MAP_H
