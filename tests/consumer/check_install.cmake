@@ -1,5 +1,6 @@
-# Installs the built library into a scratch prefix, then configures, builds
-# and runs a small host project against it with find_package(MuxCore).
+# Installs the built library into a scratch prefix, then builds and runs a
+# small host against it twice, with find_package(MuxCore) and with plain
+# pkg-config, and compiles every installed header alone under strict flags.
 file(REMOVE_RECURSE ${WORK_DIR})
 set(prefix ${WORK_DIR}/prefix)
 
@@ -25,4 +26,26 @@ run_step(${CMAKE_COMMAND} -S ${CONSUMER_SOURCE_DIR} -B ${WORK_DIR}/build
          -DCMAKE_PREFIX_PATH=${prefix})
 run_step(${CMAKE_COMMAND} --build ${WORK_DIR}/build)
 run_step(${WORK_DIR}/build/consumer)
-message(STATUS "Host built and ran against the installed package")
+
+# A host that knows only pkg-config gets everything from the .pc file.
+find_program(PKG_CONFIG pkg-config REQUIRED)
+get_filename_component(pcdir ${pcfiles} DIRECTORY)
+execute_process(COMMAND ${CMAKE_COMMAND} -E env PKG_CONFIG_PATH=${pcdir}
+        ${PKG_CONFIG} --cflags --libs muxcore
+    RESULT_VARIABLE rc OUTPUT_VARIABLE flags ERROR_VARIABLE flags OUTPUT_STRIP_TRAILING_WHITESPACE)
+if(NOT rc EQUAL 0)
+    message(FATAL_ERROR "pkg-config does not know muxcore:\n${flags}")
+endif()
+separate_arguments(flags UNIX_COMMAND "${flags}")
+get_filename_component(libdir ${pcdir} DIRECTORY)
+run_step(${CXX} ${CONSUMER_SOURCE_DIR}/main.cpp ${flags} -Wl,-rpath,${libdir}
+         -o ${WORK_DIR}/consumer-pkgconfig)
+run_step(${WORK_DIR}/consumer-pkgconfig)
+
+# Hosts build with stricter warnings than ours: no public header may add one.
+file(GLOB_RECURSE headers ${prefix}/include/muxcore/*.h)
+foreach(header ${headers})
+    run_step(${CXX} -std=c++17 -fsyntax-only -x c++ -Wall -Wextra -Wpedantic -Wshadow -Werror
+             ${flags} ${header})
+endforeach()
+message(STATUS "Hosts built and ran against the installed package")
