@@ -14,7 +14,7 @@ class QFileInfo;
 class QJsonObject;
 
 // One entry of a snapshot tree.
-struct MUXCORE_EXPORT FSItem
+struct FSItem
 {
     enum Type { File = 0, Directory = 1 };
 
@@ -51,8 +51,6 @@ public:
     void restoreFromJson(QJsonObject const &object, FSItem &item);
     void calcFileInfo(QFileInfo const &info, FSItem *item);
     QString compareFsItems(FSItem &stored, FSItem &fresh);
-
-    const FSItem &getRoot() const { return root; }
 
 private:
     void buildItem(const QFileInfo &info, FSItem *item, QSet<QString> &ancestors);

@@ -53,9 +53,7 @@ public:
     // Deletes every link of this item.
     void removeArrows();
 
-    Core::AlarmType getAlarm() const { return alarm; }
     DeviceItem::HighLightMode getHighLightMode() const { return highLightMode; }
-    bool isGroupHighLighted() const { return groupHighLighted; }
     QList<LinkArrow *> getArrows() const { return arrows; }
     const FrontPanel &getFrontPanel() const { return frontPanel; }
 

@@ -37,7 +37,6 @@ public:
     DeviceItem *getStartItem() const { return startItem; }
     DeviceItem *getEndItem() const { return endItem; }
     void setColor(const QColor &value) { color = value; }
-    QColor getColor() const { return color; }
     DeviceItem::HighLightMode getHighLightMode() const { return highLightMode; }
     QPolygonF getArrowHead() const { return arrowHead; }
 

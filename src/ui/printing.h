@@ -26,11 +26,10 @@ public:
     // The document that print() sends to the printer: every cell's display
     // text in a row-by-row table, inserted as markup, without the headers.
     QString toHtml() const;
-    // Prints the document without asking, for a preview or a printer the
-    // host has set up already.
-    void printDocument(QPrinter *printer) const;
 
 private:
+    void printDocument(QPrinter *printer) const;
+
     QPointer<QStandardItemModel> model;
     QString tableTemplate;
     QString cellTemplate;
