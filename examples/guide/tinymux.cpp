@@ -5,11 +5,15 @@
 #include <memory/u8item.h>
 #include <ui/devicemainwindow.h>
 
+#include <QDataStream>
 #include <QLabel>
+#include <QStringList>
 
 namespace {
 const char statusRequest = 'S';
 const int statusImageSize = 4;
+const QString alarmOid = QStringLiteral(".1.3.6.1.4.1.32473.1.11");
+const QString celsiusOid = QStringLiteral(".1.3.6.1.4.1.32473.1.12");
 } // namespace
 
 //! [model-items]
@@ -21,9 +25,12 @@ TinyMux::TinyMux(const QString &address, QObject *parent)
     setParameter(DP_NAME, QStringLiteral("TinyMux %1").arg(address));
     setParameter(DP_ADDRESS, address);
 
-    // Status image: byte 0 the alarm level, bytes 2 and 3 the temperature.
+    // Status image: byte 0 the alarm level, bytes 2 and 3 the temperature;
+    // over SNMP the scalars alarmOid.0 and celsiusOid.0.
     alarm->setStartAddress(0u);
+    alarm->setStartAddress(alarmOid);
     celsius->setStartAddress(2u);
+    celsius->setStartAddress(celsiusOid);
     getStatusMap()->addItem(QStringLiteral("alarm"), alarm); // the map owns its items
     getStatusMap()->addItem(QStringLiteral("celsius"), celsius);
 }
@@ -43,7 +50,7 @@ int TinyMux::temperature()
 //! [model-request]
 void TinyMux::updateStatus()
 {
-    getRequestData() = QByteArray(1, statusRequest);
+    getRequestData() = isSnmp() ? snmpStatusRequest() : QByteArray(1, statusRequest);
     requestPending = true;
     emit newRequest(); // the map relays it to the host as Map::request(key, bytes)
 }
@@ -51,7 +58,7 @@ void TinyMux::updateStatus()
 void TinyMux::setData(QByteArray data)
 {
     stopRequestProgress();
-    if (data.size() >= statusImageSize && getStatusMap()->loadData(&data)) {
+    if (decodeStatus(data)) {
         setAlarmState(static_cast<Core::AlarmType>(alarm->get() & 3)); // emits alarmStateChanged() on change
         emit frontPanelChanged();
     }
@@ -64,6 +71,33 @@ void TinyMux::setError()
     emit statusUpdated();
 }
 //! [model-request]
+
+//! [model-snmp]
+bool TinyMux::isSnmp()
+{
+    return getCurrentProtocolType() == Core::IPT_SNMP_V1 || getCurrentProtocolType() == Core::IPT_SNMP_V3;
+}
+
+// Over SNMP the request names the variables to read and the answer carries
+// them as a variable set; the host's SNMP transport does the exchange.
+QByteArray TinyMux::snmpStatusRequest()
+{
+    QByteArray request;
+    QDataStream out(&request, QIODevice::WriteOnly);
+    out << QStringList {alarmOid + ".0", celsiusOid + ".0"};
+    return request;
+}
+
+bool TinyMux::decodeStatus(QByteArray &data)
+{
+    if (!isSnmp())
+        return data.size() >= statusImageSize && getStatusMap()->loadData(&data);
+    QHash<QString, QVariant> variables;
+    QDataStream in(data);
+    in >> variables;
+    return !variables.isEmpty() && getStatusMap()->loadData(&variables);
+}
+//! [model-snmp]
 
 void TinyMux::updateAlarmStatus(bool)
 {

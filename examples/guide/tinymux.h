@@ -48,6 +48,10 @@ public slots:
     void identify() override { }
 
 private:
+    bool isSnmp();
+    QByteArray snmpStatusRequest();
+    bool decodeStatus(QByteArray &data);
+
     U8Item *alarm;
     U16Item *celsius;
     bool serialOpen = false;
