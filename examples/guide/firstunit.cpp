@@ -35,7 +35,7 @@ int main(int argc, char **argv)
     // A loopback transport. A real host writes the bytes to its serial port or
     // SNMP session and hands the complete reply to answer(), or a failure to replyError().
     QObject::connect(&map, &Map::request, &map, [&map](int unitKey, QByteArray bytes) {
-        if (bytes == "S")
+        if (bytes.startsWith('S'))
             map.answer(unitKey, QByteArray::fromHex("02001700")); // minor alarm, 23 degrees
         else
             map.replyError(unitKey);

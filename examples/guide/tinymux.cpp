@@ -10,7 +10,6 @@
 #include <QStringList>
 
 namespace {
-const char statusRequest = 'S';
 const int statusImageSize = 4;
 const QString alarmOid = QStringLiteral(".1.3.6.1.4.1.32473.1.11");
 const QString celsiusOid = QStringLiteral(".1.3.6.1.4.1.32473.1.12");
@@ -50,7 +49,8 @@ int TinyMux::temperature()
 //! [model-request]
 void TinyMux::updateStatus()
 {
-    getRequestData() = isSnmp() ? snmpStatusRequest() : QByteArray(1, statusRequest);
+    // On the serial bus: 'S' and the unit's bus address, so only that unit answers.
+    getRequestData() = isSnmp() ? snmpStatusRequest() : "S" + getParameter(DP_ADDRESS).toString().toLatin1();
     requestPending = true;
     emit newRequest(); // the map relays it to the host as Map::request(key, bytes)
 }
