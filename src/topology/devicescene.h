@@ -111,7 +111,7 @@ protected:
     void mousePressEvent(QGraphicsSceneMouseEvent *event) override;
     /// Stretches the link being drawn in #LinkMode.
     void mouseMoveEvent(QGraphicsSceneMouseEvent *event) override;
-    /// Ends a link being drawn: links the two units under its ends.
+    /// In #LinkMode, ends the link being drawn: links the two units under its ends.
     void mouseReleaseEvent(QGraphicsSceneMouseEvent *event) override;
     /// Emits doubleClick() for the first selected unit.
     void mouseDoubleClickEvent(QGraphicsSceneMouseEvent *event) override;
