@@ -406,7 +406,7 @@
         <location line="+9"/>
         <location filename="../src/ui/devicemainwindow.cpp" line="+390"/>
         <source>Load last saved</source>
-        <translation>Zuletzt gespeicherte laden</translation>
+        <translation>Zuletzt Gespeichertes laden</translation>
     </message>
     <message>
         <location line="+5"/>
@@ -518,7 +518,7 @@
     <message>
         <location filename="../src/ui/resetsettingsdialog.ui" line="+14"/>
         <source>Factory Reset</source>
-        <translation>Werkseinstellungen</translation>
+        <translation>Auf Werkseinstellungen zurücksetzen</translation>
     </message>
     <message>
         <location line="+6"/>
