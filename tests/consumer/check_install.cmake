@@ -12,7 +12,8 @@ function(run_step)
 endfunction()
 
 run_step(${CMAKE_COMMAND} --install ${MUXCORE_BUILD_DIR} --prefix ${prefix})
-foreach(expected include/muxcore/muxcore_export.h include/muxcore/core/core.h)
+foreach(expected include/muxcore/muxcore_export.h include/muxcore/core/core.h
+                 share/muxcore/translations/muxcore_de.qm)
     if(NOT EXISTS ${prefix}/${expected})
         message(FATAL_ERROR "Install lacks ${expected}")
     endif()
