@@ -10,7 +10,10 @@
 #include <QVariant>
 #include <QVector>
 
+#include <memory>
+
 class BaseRawType;
+class SnmpIndex;
 
 // A named set of items that together cover one memory area of a unit, moved
 // in and out as a whole: byte images, SNMP variable sets and JSON. Items are
@@ -31,7 +34,9 @@ public:
     bool loadData(QByteArray *image);
     bool saveData(QByteArray *image);
     // The received variables also count as sent, so that they are not sent
-    // back unchanged.
+    // back unchanged. Each OID is read once for all items. Start addresses
+    // that lie within one another, and a set of which no item takes
+    // anything, are reported in the muxcore.memory logging category.
     bool loadData(QHash<QString, QVariant> *variables);
     // Adds only the variables that changed since last received or sent.
     bool saveData(QHash<QString, QVariant> *toSend);
@@ -47,6 +52,7 @@ private:
     // The same items in the order they were added: whole-map walks run over
     // a flat list rather than the hash's buckets.
     QVector<BaseRawType *> order;
+    std::unique_ptr<SnmpIndex> snmpIndex;
 };
 
 #endif // MEMORYMAP_H
