@@ -123,8 +123,8 @@ bool MemoryMap::loadData(QHash<QString, QVariant> *variables)
     const bool missed = !variables->isEmpty() && !address.isEmpty() && pass.tookNothing();
     if (missed && !snmpIndex->missReported) {
         qCWarning(lcMemory).noquote()
-            << QStringLiteral("None of the %1 variables received was taken: no OID contains an item's SNMP "
-                              "start address (OID \"%2\", start address \"%3\")")
+            << QStringLiteral("No item took any of the %1 variables received: no OID contains an item's "
+                              "SNMP start address (OID \"%2\", start address \"%3\")")
                    .arg(variables->size())
                    .arg(variables->cbegin().key(), address);
     }
