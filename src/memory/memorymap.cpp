@@ -105,12 +105,11 @@ bool MemoryMap::loadData(QHash<QString, QVariant> *variables)
 {
     if (!variables)
         return false;
-    for (auto it = variables->cbegin(); it != variables->cend(); ++it)
-        lastSent.insert(it.key(), it.value());
     warnOverlaps(items, order, snmpIndex->refresh(order));
     // Every item still gets the set through its own readData, which device
-    // models may override; the base one takes its share of the pass.
-    SnmpIndex::Pass pass(*snmpIndex, variables);
+    // models may override; the base one takes its share of the pass. The
+    // pass also records the set as last sent.
+    SnmpIndex::Pass pass(*snmpIndex, variables, lastSent);
     for (int slot = 0; slot < order.size(); ++slot) {
         BaseRawType *item = order.at(slot);
         pass.visit(slot, item);

@@ -207,15 +207,18 @@ QString SnmpIndex::anAddress() const
 
 thread_local SnmpIndex::Pass *SnmpIndex::Pass::active = nullptr;
 
-SnmpIndex::Pass::Pass(const SnmpIndex &index, const Variables *variables)
+SnmpIndex::Pass::Pass(const SnmpIndex &index, const Variables *variables, Variables &lastSent)
     : build(index.build)
     , variables(variables)
     , snapshot(*variables)
     , outer(active)
 {
     active = this;
-    if (!build || !build->usable || build->patterns.empty())
+    if (!build || !build->usable || build->patterns.empty()) {
+        for (auto it = snapshot.cbegin(); it != snapshot.cend(); ++it)
+            lastSent.insert(it.key(), it.value());
         return;
+    }
 
     // Each OID once; an address found several times in one OID counts once.
     const size_t count = build->patterns.size();
@@ -224,6 +227,7 @@ SnmpIndex::Pass::Pass(const SnmpIndex &index, const Variables *variables)
     std::vector<int> stamp(count, -1);
     int oid = 0;
     for (auto it = snapshot.cbegin(); it != snapshot.cend(); ++it, ++oid) {
+        lastSent.insert(it.key(), it.value());
         build->scan(it.key(), [&](int p) {
             if (stamp[size_t(p)] != oid) {
                 stamp[size_t(p)] = oid;

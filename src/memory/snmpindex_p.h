@@ -48,7 +48,9 @@ public:
     class Pass
     {
     public:
-        Pass(const SnmpIndex &index, const Variables *variables);
+        // Also copies every variable into lastSent, in the same walk over
+        // the set, while each OID is at hand.
+        Pass(const SnmpIndex &index, const Variables *variables, Variables &lastSent);
         ~Pass();
         Pass(const Pass &) = delete;
         Pass &operator=(const Pass &) = delete;
