@@ -50,7 +50,7 @@ void loadVariables(benchmark::State &state, int items, int variableItems)
     fillSnmpMap(map, items);
     VariableSet set = variableSet(variableItems);
     // A map is filled once and polled many times: its first load, which
-    // builds the map's matcher, is not part of the figure.
+    // builds the map's matcher, is left out of the figure.
     map.loadData(&set);
     for (auto _ : state) {
         const bool ok = map.loadData(&set);
