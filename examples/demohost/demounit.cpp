@@ -168,7 +168,7 @@ QByteArray DemoUnit::encode(const Operation &operation)
         out << quint8(SnmpGet) << productArc() + QStringLiteral(".2.");
         break;
     case ReadStatus:
-        out << quint8(SnmpGet) << QString();
+        out << quint8(SnmpGet) << enterpriseArc();
         break;
     case WriteConfig: {
         QHash<QString, QVariant> toSend;
