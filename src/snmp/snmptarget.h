@@ -66,4 +66,13 @@ struct MUXCORE_SNMP_EXPORT SnmpTarget
 
 Q_DECLARE_METATYPE(SnmpTarget)
 
+#if QT_VERSION < QT_VERSION_CHECK(6, 0, 0) && !defined(MUXCORE_SNMP_NO_QHOSTADDRESS_METATYPE)
+/**
+ * Qt 5 does not declare QHostAddress a meta-type, yet trap signals carry
+ * one through queued connections and QVariant. A host that declares it
+ * itself defines MUXCORE_SNMP_NO_QHOSTADDRESS_METATYPE before including.
+ */
+Q_DECLARE_METATYPE(QHostAddress)
+#endif
+
 #endif // SNMPTARGET_H
