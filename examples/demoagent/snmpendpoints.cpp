@@ -5,11 +5,15 @@
 #include <simulatedunit.h>
 #include <unitlayout.h>
 
+// net-snmp's configuration header comes first, before any other of its headers.
+#include <net-snmp/net-snmp-config.h>
+// clang-format off
+#include <net-snmp/net-snmp-includes.h>
 #include <net-snmp/agent/net-snmp-agent-includes.h>
 #include <net-snmp/library/large_fd_set.h>
-#include <net-snmp/net-snmp-config.h>
-#include <net-snmp/net-snmp-includes.h>
+// clang-format on
 
+#include <QDir>
 #include <QSocketNotifier>
 #include <QStringList>
 #include <QTemporaryDir>
@@ -141,6 +145,7 @@ QVariant valueOf(const netsnmp_variable_list *var)
 struct SnmpEndpoints::Unit
 {
     int key = 0;
+    int port = 0;
     SimulatedUnit *unit = nullptr;
     netsnmp_transport *transport = nullptr;
     std::unique_ptr<QSocketNotifier> notifier;
@@ -286,9 +291,11 @@ bool SnmpEndpoints::start()
     netsnmp_ds_set_boolean(NETSNMP_DS_LIBRARY_ID, NETSNMP_DS_LIB_DISABLE_PERSISTENT_LOAD, 1);
     netsnmp_ds_set_boolean(NETSNMP_DS_LIBRARY_ID, NETSNMP_DS_LIB_DISABLE_PERSISTENT_SAVE, 1);
     setenv("MIBS", "", 1);
+    QDir(stateDir.path()).mkdir(QStringLiteral("cert_indexes")); // else net-snmp announces that it made it
     netsnmp_ds_set_string(
         NETSNMP_DS_LIBRARY_ID, NETSNMP_DS_LIB_PERSISTENT_DIR, stateDir.path().toLocal8Bit().constData());
     snmp_enable_stderrlog();
+    netsnmp_ds_set_boolean(NETSNMP_DS_APPLICATION_ID, NETSNMP_DS_AGENT_DONT_LOG_TCPWRAPPERS_CONNECTS, 1);
     if (init_agent(appName) != 0)
         return false;
     init_vacm_conf();
@@ -317,8 +324,8 @@ bool SnmpEndpoints::start()
 
 bool SnmpEndpoints::addUnit(int key, SimulatedUnit *unit, int port)
 {
-    const QByteArray spec = "udp:127.0.0.1:" + QByteArray::number(port);
-    netsnmp_transport *transport = netsnmp_transport_open_server(appName, spec.constData());
+    const QByteArray endpoint = "udp:127.0.0.1:" + QByteArray::number(port);
+    netsnmp_transport *transport = netsnmp_transport_open_server(appName, endpoint.constData());
     if (!transport)
         return false;
     if (netsnmp_register_agent_nsap(transport) == 0) {
@@ -327,12 +334,14 @@ bool SnmpEndpoints::addUnit(int key, SimulatedUnit *unit, int port)
     }
     auto entry = std::make_unique<Unit>();
     entry->key = key;
+    entry->port = port;
     entry->unit = unit;
     entry->transport = transport;
     const int socket = transport->sock;
     entry->notifier = std::make_unique<QSocketNotifier>(socket, QSocketNotifier::Read);
     connect(entry->notifier.get(), &QSocketNotifier::activated, this, [this, socket] { onReadable(socket); });
     bySocket.insert(socket, entry.get());
+    byKey.insert(key, entry.get());
     units.push_back(std::move(entry));
     return true;
 }
@@ -377,11 +386,7 @@ void SnmpEndpoints::sendTrap(int key, const QHash<QString, QVariant> &variables)
 {
     if (options.trapPort <= 0)
         return;
-    Unit *unit = nullptr;
-    for (const auto &entry : units) {
-        if (entry->key == key)
-            unit = entry.get();
-    }
+    Unit *unit = byKey.value(key);
     if (!unit)
         return;
     netsnmp_pdu *pdu = snmp_pdu_create(SNMP_MSG_TRAP2);
@@ -410,8 +415,11 @@ void SnmpEndpoints::sendTrap(int key, const QHash<QString, QVariant> &variables)
             setValue(var, row);
     }
 
-    // The trap leaves from the unit's own socket, so the manager sees the
-    // unit's endpoint as its source.
+    const long port = unit->port;
+    const Oid portName = toOid(oidEndpointPort());
+    snmp_pdu_add_variable(pdu, portName.data(), portName.size(), ASN_INTEGER, &port, sizeof(port));
+
+    // The trap leaves from the unit's own socket, as a real unit's would.
     netsnmp_session session;
     snmp_sess_init(&session);
     session.version = SNMP_VERSION_2c;

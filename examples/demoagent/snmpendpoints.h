@@ -61,6 +61,7 @@ private:
     FaultPlan *faults;
     std::vector<std::unique_ptr<Unit>> units;
     QHash<int, Unit *> bySocket;
+    QHash<int, Unit *> byKey;
     QHash<void *, Unit *> bySession;
     QTimer *alarms;
     // net-snmp keeps a little state on disk; it goes with the process.

@@ -284,8 +284,7 @@ QByteArray SimulatedUnit::handleSnmp(const QByteArray &request)
         in >> subtree;
         const QHash<QString, QVariant> all = variables();
         for (auto it = all.cbegin(); it != all.cend(); ++it) {
-            // The counters' OIDs carry a leading dot, the others none.
-            if (it.key().startsWith(subtree) || it.key().midRef(1).startsWith(subtree))
+            if (it.key().startsWith(subtree))
                 result.insert(it.key(), it.value());
         }
     } else if (operation == SnmpSet) {

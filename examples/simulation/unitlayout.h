@@ -169,15 +169,22 @@ inline QString oidFirmware()
 {
     return productArc() + QStringLiteral(".3.7");
 }
+// The UDP port the unit answers on, carried by every trap: units that share
+// one agent address are told apart by it.
+inline QString oidEndpointPort()
+{
+    return productArc() + QStringLiteral(".4.1.0");
+}
 // The unit's alarm level (Core::AlarmType), carried by every trap.
 inline QString oidAlarmLevel()
 {
     return productArc() + QStringLiteral(".3.8.0");
 }
-// The G.826 table sits where the counter item expects it, under the vendor arc.
+// The G.826 table sits where the counter item expects it, under the vendor
+// arc. Every OID of the demo is written without a leading dot.
 inline QString oidG826()
 {
-    return QStringLiteral(".") + enterpriseArc() + QStringLiteral(".2.21.1.3.2.2");
+    return enterpriseArc() + QStringLiteral(".2.21.1.3.2.2");
 }
 
 // What the demo model asks of the host's SNMP transport, as request bytes: a
