@@ -61,6 +61,10 @@ const std::vector<Figure> &figures()
          "files/snapshot_256MiB", "files/md5sum_256MiB", "`md5sum` over the same files", 1, 1, 1.3, {}},
         {"5. Files", "snapshot peak memory (KiB), 256 MiB tree against 16 MiB tree",
          "files/snapshot_peak_256MiB", "files/snapshot_peak_16MiB", "the same files 16 times smaller", 1, 1, 1.1, "peak_kib"},
+        {"6. SNMP over loopback", "walk of 10,000 OIDs from `demoagent` with `SnmpClient` (GETBULK of 20)",
+         "wires/client_walk_10000oids", "wires/snmpbulkwalk_10000oids", "`snmpbulkwalk -Cr20` of the same subtree", 1, 1, 1.5, {}},
+        {"6. SNMP over loopback", "one scan pass over 200 SNMP units of `demoagent`, one client each",
+         "wires/scan_pass_200units", "wires/200_polls_of_one_unit", "200 polls of one unit with one client", 1, 1, 0, {}},
     };
     // clang-format on
     return table;

@@ -188,6 +188,11 @@ bool writeResults(const QString &path, const CollectingReporter &reporter, const
         << "  back; the second line sets them against a plain safe write and read of the same bytes\n"
         << "  with the digest, which is what any such format costs at least. The snapshot's peak\n"
         << "  memory is taken in a fresh process of the benchmark program (VmHWM, KiB).\n"
+        << "- **SNMP over loopback.** `demoagent` serves the units from another process; the walk\n"
+        << "  and `snmpbulkwalk` (started once per walk, as a user would) fetch the same 10,000\n"
+        << "  variables with the same 20 repetitions per exchange. The scan pass polls 200 units,\n"
+        << "  each on its own UDP endpoint with its own client, one after the other as the map's\n"
+        << "  scan does; its anchor is the same number of polls of one unit.\n"
         << "- Google Benchmark may warn that it was built as DEBUG: that is Debian's build of the\n"
         << "  benchmark library itself; MuxCore and the benchmarks are built in Release.\n\n";
 
