@@ -22,7 +22,10 @@ if(NOT pcfiles)
 endif()
 
 run_step(${CMAKE_COMMAND} -S ${CONSUMER_SOURCE_DIR} -B ${WORK_DIR}/build
-         -DCMAKE_PREFIX_PATH=${prefix})
+         -DCMAKE_PREFIX_PATH=${prefix} -DWITH_SNMP=${WITH_SNMP})
 run_step(${CMAKE_COMMAND} --build ${WORK_DIR}/build)
 run_step(${WORK_DIR}/build/consumer)
+if(WITH_SNMP)
+    run_step(${WORK_DIR}/build/snmpconsumer)
+endif()
 message(STATUS "Host built and ran against the installed package")
