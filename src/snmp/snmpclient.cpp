@@ -98,14 +98,26 @@ int clientCallback(int op, netsnmp_session *, int reqid, netsnmp_pdu *pdu, void 
     return static_cast<SnmpClientPrivate *>(magic)->callback(op, reqid, pdu);
 }
 
-void setKey(const oid *protocol, size_t length, const QString &passphrase, u_char *key, size_t *keyLength,
-    QString *error)
+void setKey(const oid *protocol, size_t length, const QString &passphrase, u_char *key, size_t *keyLength)
 {
     QByteArray pass = passphrase.toUtf8();
-    if (generate_Ku(protocol, u_int(length), reinterpret_cast<u_char *>(pass.data()), size_t(pass.size()),
-            key, keyLength)
-        != SNMPERR_SUCCESS)
-        *error = SnmpClient::tr("A passphrase must have at least 8 characters.");
+    generate_Ku(protocol, u_int(length), reinterpret_cast<u_char *>(pass.data()), size_t(pass.size()), key,
+        keyLength);
+}
+
+// Checked before any datagram goes out, so that a target that cannot work
+// is refused at once rather than after the engine discovery.
+QString v3Problem(const SnmpTarget &target)
+{
+    const auto tooShort = [](const QString &pass) { return pass.toUtf8().size() < USM_LENGTH_P_MIN; };
+    if (target.user.isEmpty())
+        return SnmpClient::tr("A version 3 target needs a user.");
+    if (target.authProtocol == SnmpTarget::NoAuth && target.privProtocol != SnmpTarget::NoPriv)
+        return SnmpClient::tr("Privacy needs an authentication protocol.");
+    if ((target.authProtocol != SnmpTarget::NoAuth && tooShort(target.authPassphrase))
+        || (target.privProtocol != SnmpTarget::NoPriv && tooShort(target.privPassphrase)))
+        return SnmpClient::tr("A passphrase must have at least 8 characters.");
+    return QString();
 }
 
 } // namespace
@@ -121,6 +133,11 @@ bool SnmpClientPrivate::openSession()
     if (target.timeout < 1 || target.retries < 0) {
         error = tr("The target's timeout or retries are out of range.");
         return false;
+    }
+    if (target.version == SnmpTarget::V3) {
+        error = v3Problem(target);
+        if (!error.isEmpty())
+            return false;
     }
     SnmpValue::initLibrary();
     netsnmp_session settings;
@@ -149,10 +166,6 @@ bool SnmpClientPrivate::openSession()
             settings.securityNameLen = 0;
             settings.securityLevel = SNMP_SEC_LEVEL_NOAUTH;
         } else {
-            if (user.isEmpty()) {
-                error = tr("A version 3 target needs a user.");
-                return false;
-            }
             settings.securityName = user.data();
             settings.securityNameLen = size_t(user.size());
             settings.securityEngineID = reinterpret_cast<u_char *>(engineId.data());
@@ -165,7 +178,7 @@ bool SnmpClientPrivate::openSession()
                 settings.securityAuthProtoLen = USM_AUTH_PROTO_SHA_LEN;
                 settings.securityAuthKeyLen = USM_AUTH_KU_LEN;
                 setKey(settings.securityAuthProto, settings.securityAuthProtoLen, target.authPassphrase,
-                    settings.securityAuthKey, &settings.securityAuthKeyLen, &error);
+                    settings.securityAuthKey, &settings.securityAuthKeyLen);
                 if (target.privProtocol != SnmpTarget::NoPriv) {
                     settings.securityLevel = SNMP_SEC_LEVEL_AUTHPRIV;
                     settings.securityPrivProto
@@ -173,13 +186,9 @@ bool SnmpClientPrivate::openSession()
                     settings.securityPrivProtoLen = USM_PRIV_PROTO_AES_LEN;
                     settings.securityPrivKeyLen = USM_PRIV_KU_LEN;
                     setKey(settings.securityAuthProto, settings.securityAuthProtoLen, target.privPassphrase,
-                        settings.securityPrivKey, &settings.securityPrivKeyLen, &error);
+                        settings.securityPrivKey, &settings.securityPrivKeyLen);
                 }
-            } else if (target.privProtocol != SnmpTarget::NoPriv) {
-                error = tr("Privacy needs an authentication protocol.");
             }
-            if (!error.isEmpty())
-                return false;
             // net-snmp keeps localized keys per engine and user for the whole
             // process; new passphrases must replace the old ones.
             if (usmUser *old = usm_get_user(

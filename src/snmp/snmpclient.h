@@ -52,8 +52,11 @@ class SnmpClientPrivate;
  * IpAddress. Any other value makes set() return 0.
  *
  * Cost: one UDP socket (one file descriptor) and one socket notifier per
- * client while it has a session; the session opens on the first request and
- * stays open until the target changes or the client is destroyed.
+ * client while it has a session, and about 9 KiB of memory; the session
+ * opens on the first request and stays open until the target changes or the
+ * client is destroyed. Descriptors above FD_SETSIZE work, but a host with a
+ * thousand clients needs a descriptor limit (RLIMIT_NOFILE) above the usual
+ * soft limit of 1024.
  */
 class MUXCORE_SNMP_EXPORT SnmpClient : public QObject
 {

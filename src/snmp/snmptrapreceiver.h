@@ -20,8 +20,8 @@ class SnmpTrapReceiverPrivate;
  * Receives SNMP notifications on a UDP port, driven by the Qt event loop.
  *
  * Takes version 1 traps, version 2c traps and informs (informs are
- * acknowledged), and version 3 traps from users made known with addUser(). Each notification becomes one trapReceived() with the sender's
- * address and its variables as a variable set, with values mapped as
+ * acknowledged), and version 3 traps from users made known with addUser(). Each notification becomes one
+ * trapReceived() with the sender's address and its variables as a variable set, with values mapped as
  * SnmpClient describes and OIDs in oidForm(), ready for TrapVisualUnit.
  *
  * A version 1 trap is turned into the version 2 form: sysUpTime.0

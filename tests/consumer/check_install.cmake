@@ -24,7 +24,7 @@ if(NOT pcfiles)
 endif()
 
 run_step(${CMAKE_COMMAND} -S ${CONSUMER_SOURCE_DIR} -B ${WORK_DIR}/build
-         -DCMAKE_PREFIX_PATH=${prefix})
+         -DCMAKE_PREFIX_PATH=${prefix} -DWITH_SNMP=${WITH_SNMP})
 run_step(${CMAKE_COMMAND} --build ${WORK_DIR}/build)
 run_step(${WORK_DIR}/build/consumer)
 
@@ -43,10 +43,18 @@ run_step(${CXX} ${CONSUMER_SOURCE_DIR}/main.cpp ${flags} -Wl,-rpath,${libdir}
          -o ${WORK_DIR}/consumer-pkgconfig)
 run_step(${WORK_DIR}/consumer-pkgconfig)
 
+if(WITH_SNMP)
+    run_step(${WORK_DIR}/build/snmpconsumer)
+endif()
+
 # Hosts build with stricter warnings than ours: no public header may add one.
 file(GLOB_RECURSE headers ${prefix}/include/muxcore/*.h)
+# The SNMP component's headers also see Qt Network, as its CMake target does.
+execute_process(COMMAND ${PKG_CONFIG} --cflags Qt5Network
+    OUTPUT_VARIABLE network_flags OUTPUT_STRIP_TRAILING_WHITESPACE)
+separate_arguments(network_flags UNIX_COMMAND "${network_flags}")
 foreach(header ${headers})
     run_step(${CXX} -std=c++17 -fsyntax-only -x c++ -Wall -Wextra -Wpedantic -Wshadow -Werror
-             ${flags} ${header})
+             ${flags} ${network_flags} ${header})
 endforeach()
 message(STATUS "Hosts built and ran against the installed package")
