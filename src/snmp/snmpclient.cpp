@@ -61,7 +61,6 @@ public:
     void afterIo();
     void rearm();
     int callback(int op, int reqid, netsnmp_pdu *pdu);
-    QString tr(const char *text) const { return SnmpClient::tr(text); }
 
     SnmpClient *q;
     SnmpTarget target;
@@ -127,11 +126,11 @@ bool SnmpClientPrivate::openSession()
     if (session)
         return true;
     if (target.host.isNull() || target.port == 0) {
-        error = tr("The target has no address.");
+        error = SnmpClient::tr("The target has no address.");
         return false;
     }
     if (target.timeout < 1 || target.retries < 0) {
-        error = tr("The target's timeout or retries are out of range.");
+        error = SnmpClient::tr("The target's timeout or retries are out of range.");
         return false;
     }
     if (target.version == SnmpTarget::V3) {
@@ -200,7 +199,7 @@ bool SnmpClientPrivate::openSession()
     }
     session = snmp_sess_open(&settings);
     if (!session) {
-        error = tr("Cannot open a session to %1 port %2: %3")
+        error = SnmpClient::tr("Cannot open a session to %1 port %2: %3")
                     .arg(target.host.toString())
                     .arg(target.port)
                     .arg(QString::fromLocal8Bit(snmp_api_errstring(settings.s_snmp_errno)));
@@ -272,7 +271,7 @@ bool SnmpClientPrivate::send(int id, netsnmp_pdu *pdu)
         int sysError = 0;
         char *text = nullptr;
         snmp_sess_error(session, &sysError, &libError, &text);
-        error = tr("Cannot send to %1 port %2: %3")
+        error = SnmpClient::tr("Cannot send to %1 port %2: %3")
                     .arg(target.host.toString())
                     .arg(target.port)
                     .arg(QString::fromLocal8Bit(text ? text : ""));
@@ -344,8 +343,8 @@ int SnmpClientPrivate::callback(int op, int reqid, netsnmp_pdu *pdu)
                 reinterpret_cast<const char *>(pdu->securityEngineID), int(pdu->securityEngineIDLen));
         } else {
             const QString message = op == NETSNMP_CALLBACK_OP_TIMED_OUT
-                ? tr("No answer from %1 port %2.").arg(target.host.toString()).arg(target.port)
-                : tr("The agent at %1 port %2 did not name its engine.")
+                ? SnmpClient::tr("No answer from %1 port %2.").arg(target.host.toString()).arg(target.port)
+                : SnmpClient::tr("The agent at %1 port %2 did not name its engine.")
                       .arg(target.host.toString())
                       .arg(target.port);
             for (const auto &h : qAsConst(held)) {
@@ -364,13 +363,13 @@ int SnmpClientPrivate::callback(int op, int reqid, netsnmp_pdu *pdu)
         received(id, pdu);
     else if (op == NETSNMP_CALLBACK_OP_TIMED_OUT)
         fail(id, SnmpClient::TimeoutError,
-            tr("No answer from %1 port %2 within %3 ms.")
+            SnmpClient::tr("No answer from %1 port %2 within %3 ms.")
                 .arg(target.host.toString())
                 .arg(target.port)
                 .arg(qlonglong(target.timeout) * (target.retries + 1)));
     else
         fail(id, SnmpClient::SendError,
-            tr("The exchange with %1 port %2 broke off.").arg(target.host.toString()).arg(target.port));
+            SnmpClient::tr("The exchange with %1 port %2 broke off.").arg(target.host.toString()).arg(target.port));
     return 1;
 }
 
@@ -385,7 +384,7 @@ void SnmpClientPrivate::received(int id, netsnmp_pdu *pdu)
     Request &request = requests[id];
     if (pdu->command == SNMP_MSG_REPORT || pdu->command == 0) {
         fail(id, SnmpClient::AuthenticationError,
-            tr("The agent refused the request: %1")
+            SnmpClient::tr("The agent refused the request: %1")
                 .arg(QString::fromLocal8Bit(snmp_api_errstring(snmpv3_get_report_type(pdu)))));
         return;
     }
@@ -404,7 +403,7 @@ void SnmpClientPrivate::received(int id, netsnmp_pdu *pdu)
         }
         fail(id, SnmpClient::AgentError,
             name.isEmpty() ? SnmpValue::statusName(pdu->errstat)
-                           : tr("%1 (variable %2, %3)")
+                           : SnmpClient::tr("%1 (variable %2, %3)")
                                  .arg(SnmpValue::statusName(pdu->errstat))
                                  .arg(pdu->errindex)
                                  .arg(name));
@@ -426,7 +425,7 @@ void SnmpClientPrivate::received(int id, netsnmp_pdu *pdu)
                     v->name, v->name_length, request.last.constData(), size_t(request.last.size()))
                 <= 0) {
                 fail(id, SnmpClient::NonIncreasingError,
-                    tr("The agent answered %1 after %2.")
+                    SnmpClient::tr("The agent answered %1 after %2.")
                         .arg(SnmpValue::formatOid(v->name, v->name_length, form),
                             SnmpValue::formatOid(
                                 request.last.constData(), size_t(request.last.size()), form)));
@@ -439,7 +438,7 @@ void SnmpClientPrivate::received(int id, netsnmp_pdu *pdu)
             continue;
         if (request.variables.size() >= maxVariables) {
             fail(id, SnmpClient::TooManyVariablesError,
-                tr("The answer holds more than %1 variables.").arg(maxVariables));
+                SnmpClient::tr("The answer holds more than %1 variables.").arg(maxVariables));
             return;
         }
         const QString key = SnmpValue::formatOid(v->name, v->name_length, SnmpClient::LeadingDot);
@@ -598,7 +597,7 @@ void SnmpClient::setBulkSize(int count)
 int SnmpClient::get(const QStringList &oids)
 {
     if (oids.isEmpty()) {
-        d->error = tr("No OIDs to read.");
+        d->error = SnmpClient::tr("No OIDs to read.");
         return 0;
     }
     netsnmp_pdu *pdu = snmp_pdu_create(SNMP_MSG_GET);
@@ -606,7 +605,7 @@ int SnmpClient::get(const QStringList &oids)
     for (const QString &text : oids) {
         if (!SnmpValue::parseOid(text, &name)) {
             snmp_free_pdu(pdu);
-            d->error = tr("\"%1\" is not an OID.").arg(text);
+            d->error = SnmpClient::tr("\"%1\" is not an OID.").arg(text);
             return 0;
         }
         snmp_add_null_var(pdu, name.constData(), size_t(name.size()));
@@ -618,7 +617,7 @@ int SnmpClient::walk(const QString &subtree)
 {
     SnmpValue::Oid root;
     if (!SnmpValue::parseOid(subtree, &root)) {
-        d->error = tr("\"%1\" is not an OID.").arg(subtree);
+        d->error = SnmpClient::tr("\"%1\" is not an OID.").arg(subtree);
         return 0;
     }
     SnmpClientPrivate::Request request;
@@ -629,7 +628,7 @@ int SnmpClient::walk(const QString &subtree)
 int SnmpClient::set(const QHash<QString, QVariant> &variables)
 {
     if (variables.isEmpty()) {
-        d->error = tr("No variables to write.");
+        d->error = SnmpClient::tr("No variables to write.");
         return 0;
     }
     netsnmp_pdu *pdu = snmp_pdu_create(SNMP_MSG_SET);
@@ -637,10 +636,10 @@ int SnmpClient::set(const QHash<QString, QVariant> &variables)
     for (auto it = variables.cbegin(); it != variables.cend(); ++it) {
         QString problem;
         if (!SnmpValue::parseOid(it.key(), &name))
-            problem = tr("\"%1\" is not an OID.").arg(it.key());
+            problem = SnmpClient::tr("\"%1\" is not an OID.").arg(it.key());
         else if (!SnmpValue::append(pdu, name, it.value(),
                      d->types.value(SnmpValue::formatOid(name.constData(), size_t(name.size()), LeadingDot))))
-            problem = tr("The value of %1 has no SNMP type.").arg(it.key());
+            problem = SnmpClient::tr("The value of %1 has no SNMP type.").arg(it.key());
         if (!problem.isEmpty()) {
             snmp_free_pdu(pdu);
             d->error = problem;
