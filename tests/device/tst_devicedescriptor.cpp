@@ -6,19 +6,15 @@
 #include <memory/statusmemorymap.h>
 #include <ui/devicemainwindow.h>
 
+#include "../ui/modalanswer.h"
 #include "metaorder.h"
+
 #include <QAction>
-#include <QApplication>
 #include <QIcon>
 #include <QInputDialog>
 #include <QLineEdit>
-
-#include <QMetaMethod>
 #include <QPointer>
-#include <QTimer>
 #include <QtTest>
-
-#include <functional>
 
 using VersionList = QList<unsigned short>;
 Q_DECLARE_METATYPE(Core::SystemEvens)
@@ -42,31 +38,6 @@ struct Login
 };
 } // namespace
 Q_DECLARE_METATYPE(Login)
-
-namespace {
-// Answers each modal input dialog from the event loop and counts them.
-class DialogAnswerer : public QObject
-{
-public:
-    explicit DialogAnswerer(std::function<void(QInputDialog *)> answer)
-        : handler(std::move(answer))
-    {
-        connect(&timer, &QTimer::timeout, this, [this] {
-            if (auto *dialog = qobject_cast<QInputDialog *>(QApplication::activeModalWidget())) {
-                ++seen;
-                handler(dialog);
-            }
-        });
-        timer.start(10);
-    }
-    int seen = 0;
-
-private:
-    std::function<void(QInputDialog *)> handler;
-    QTimer timer;
-};
-
-} // namespace
 
 class tst_DeviceDescriptor : public QObject
 {
@@ -220,16 +191,16 @@ private slots:
         device.codeAfterPassword = login.codeLeft;
 
         QString shown;
-        DialogAnswerer answerer([&](QInputDialog *dialog) {
+        ModalAnswer answerer(as<QInputDialog>([&](QInputDialog *dialog) {
             shown = QStringList {dialog->windowTitle(), dialog->labelText(),
                 QString::number(dialog->parentWidget() == &window), QString::number(dialog->textEchoMode())}
                         .join('|');
             dialog->setTextValue(login.typed);
             login.accept ? dialog->accept() : dialog->reject();
-        });
+        }));
 
         QCOMPARE(device.autorise(), login.result);
-        QCOMPARE(answerer.seen, login.dialogs);
+        QCOMPARE(answerer.answered, login.dialogs);
         QCOMPARE(device.getAutorisationResult(), login.code);
         QCOMPARE(device.getPassword(), login.password);
         QCOMPARE(device.passwordsOffered, login.offered);
