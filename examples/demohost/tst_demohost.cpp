@@ -2,12 +2,15 @@
 // unit is polled, lost replies do not stop the scan, alarms blink, traps
 // arrive, a settings file moves between units, the layout survives a
 // restart, and the offscreen run leaves two real screenshots.
+#include "../../tests/ui/modalanswer.h"
 #include "demounit.h"
 #include "hostwindow.h"
 #include "simulatedunit.h"
 #include "unitwindow.h"
 
 #include <device/map.h>
+#include <memory/baserawtype.h>
+#include <memory/statusmemorymap.h>
 #include <storage/devicesettingsex.h>
 #include <storage/savesettings.h>
 #include <topology/deviceitem.h>
@@ -15,323 +18,255 @@
 #include <ui/trapvisual.h>
 
 #include <QAction>
-#include <QApplication>
-#include <QDialog>
 #include <QFile>
 #include <QImage>
 #include <QInputDialog>
-#include <QMessageBox>
 #include <QProcess>
 #include <QSet>
 #include <QSortFilterProxyModel>
 #include <QTemporaryDir>
 #include <QtTest>
 
-#include <functional>
 #include <memory>
 
 class tst_DemoHost : public QObject
 {
     Q_OBJECT
-private slots:
-    void init();
-    void cleanup();
-    void scanPollsEveryUnitDespiteLostReplies();
-    void alarmsBlinkAndTrapsArrive();
-    void settingsFileMovesBetweenUnits();
-    void damagedSettingsFileIsRefused();
-    void windowActionsReachTheUnit();
-    void passwordDialogGuardsTheWindow();
-    void layoutSurvivesRestart();
-    void offscreenRunWritesScreenshots();
-
-private:
-    std::unique_ptr<HostWindow> makeHost(double errorRate);
-    // Runs the action on the next modal dialog as soon as it shows.
-    void onNextModal(std::function<void(QWidget *)> action);
-
     std::unique_ptr<QTemporaryDir> dir;
-};
 
-void tst_DemoHost::init()
-{
-    dir = std::make_unique<QTemporaryDir>();
-    QVERIFY(dir->isValid());
-}
-
-void tst_DemoHost::cleanup()
-{
-    dir.reset();
-}
-
-std::unique_ptr<HostWindow> tst_DemoHost::makeHost(double errorRate)
-{
-    HostWindow::Options options;
-    options.units = 12;
-    options.scanPeriodMs = 200;
-    options.topologyFile = dir->filePath(QStringLiteral("layout.json"));
-    options.simulated = true;
-    options.network.seed = 7;
-    options.network.errorRate = errorRate;
-    options.network.minDelayMs = 2;
-    options.network.maxDelayMs = 10;
-    options.network.tickMs = 50;
-    auto host = std::make_unique<HostWindow>(options);
-    host->resize(1000, 700);
-    host->show();
-    host->start();
-    return host;
-}
-
-void tst_DemoHost::onNextModal(std::function<void(QWidget *)> action)
-{
-    auto *timer = new QTimer(this);
-    connect(timer, &QTimer::timeout, this, [timer, action] {
-        if (QWidget *modal = QApplication::activeModalWidget()) {
-            timer->stop();
-            timer->deleteLater();
-            action(modal);
-        }
-    });
-    timer->start(10);
-}
-
-void tst_DemoHost::scanPollsEveryUnitDespiteLostReplies()
-{
-    auto host = makeHost(0.1);
-    const QList<unsigned short> keys = host->unitKeys();
-    QCOMPARE(keys.size(), 12);
-    QCOMPARE(host->deviceMap()->getDeviceCount(), 12);
-    // One unit never answers at all.
-    const unsigned short silent = keys.at(4);
-    host->network()->failNext(silent, 1000000);
-
-    QTRY_VERIFY_WITH_TIMEOUT(
-        [&] {
-            for (unsigned short key : keys) {
-                if (host->pollCount(key) < 4)
-                    return false;
-            }
-            return true;
-        }(),
-        20000);
-    QVERIFY(host->network()->errorCount() > 0);
-    QVERIFY(host->passCount() >= 4);
-    // The silent unit is shown as not responding; the others answered.
-    QTRY_COMPARE_WITH_TIMEOUT(static_cast<int>(host->unit(silent)->getAlarmState()), 4, 10000);
-    QVERIFY(!host->unit(silent)->hasAnswered());
-    for (unsigned short key : keys) {
-        if (key != silent)
-            QVERIFY2(host->unit(key)->hasAnswered(), qPrintable(QString::number(key)));
+    std::unique_ptr<HostWindow> makeHost(double errorRate)
+    {
+        HostWindow::Options options;
+        options.units = 12;
+        options.scanPeriodMs = 200;
+        options.topologyFile = dir->filePath(QStringLiteral("layout.json"));
+        options.simulated = true;
+        options.network = {7, errorRate, 2, 10, 50};
+        auto host = std::make_unique<HostWindow>(options);
+        host->resize(1000, 700);
+        host->show();
+        host->start();
+        return host;
     }
-    QCOMPARE(host->deviceMap()->getAlarmMap().value(silent), static_cast<Core::AlarmType>(4));
-}
 
-void tst_DemoHost::alarmsBlinkAndTrapsArrive()
-{
-    auto host = makeHost(0.0);
-    QSignalSpy blink(host->scene(), &DeviceScene::togleAlarm);
-    QSortFilterProxyModel *traps = host->trapList()->getModel();
+private slots:
+    void init() { dir = std::make_unique<QTemporaryDir>(); }
+    void cleanup() { dir.reset(); }
 
-    // Alarms come and go on the simulated lines: some unit is in alarm and
-    // its outline alternates between the two phases.
-    QTRY_VERIFY_WITH_TIMEOUT(
-        [&] {
-            QSet<bool> phases;
-            for (const QList<QVariant> &args : qAsConst(blink))
-                phases.insert(args.at(0).toBool());
-            return phases.size() == 2;
-        }(),
-        20000);
-    QTRY_VERIFY_WITH_TIMEOUT(traps->rowCount() >= 3, 20000);
-
-    // Each trap names a unit of the map, and only SNMP units send them.
-    QSet<QString> snmpNames;
-    for (unsigned short key : host->unitKeys()) {
-        if (host->unit(key)->isSnmp())
-            snmpNames.insert(host->unit(key)->getParameter(DeviceDescriptor::DP_NAME).toString());
+    void scanPollsEveryUnitDespiteLostReplies()
+    {
+        auto host = makeHost(0.1);
+        const QList<unsigned short> keys = host->unitKeys();
+        QCOMPARE(keys.size(), 12);
+        QCOMPARE(host->deviceMap()->getDeviceCount(), 12);
+        // One unit never answers at all.
+        const unsigned short silent = keys.at(4);
+        host->network()->failNext(silent, 1000000);
+        QTRY_VERIFY_WITH_TIMEOUT(std::all_of(keys.cbegin(), keys.cend(),
+                                     [&](unsigned short key) { return host->pollCount(key) >= 4; }),
+            20000);
+        QVERIFY(host->network()->errorCount() > 0 && host->passCount() >= 4);
+        // The silent unit is shown as not responding; the others answered.
+        QTRY_COMPARE_WITH_TIMEOUT(static_cast<int>(host->unit(silent)->getAlarmState()), 4, 10000);
+        for (unsigned short key : keys)
+            QVERIFY2(host->unit(key)->hasAnswered() == (key != silent), qPrintable(QString::number(key)));
+        QCOMPARE(host->deviceMap()->getAlarmMap().value(silent), static_cast<Core::AlarmType>(4));
     }
-    for (int row = 0; row < traps->rowCount(); ++row)
-        QVERIFY(snmpNames.contains(traps->index(row, 1).data().toString()));
 
-    // The filter finds a unit by its name, whichever column holds it.
-    const QString name = traps->index(0, 1).data().toString();
-    host->trapList()->trapsOverlap(true); // freeze, so the count holds still
-    const int all = traps->rowCount();
-    host->trapList()->setFilter(QStringLiteral("^%1$").arg(name));
-    QVERIFY(traps->rowCount() >= 1);
-    QVERIFY(traps->rowCount() <= all);
-    for (int row = 0; row < traps->rowCount(); ++row)
-        QCOMPARE(traps->index(row, 1).data().toString(), name);
-}
-
-void tst_DemoHost::settingsFileMovesBetweenUnits()
-{
-    auto host = makeHost(0.0);
-    const QList<unsigned short> keys = host->unitKeys();
-    // A serial unit gives its settings to an SNMP unit.
-    DemoUnit *from = host->unit(keys.at(0));
-    DemoUnit *to = host->unit(keys.at(3));
-    QVERIFY(!from->isSnmp());
-    QVERIFY(to->isSnmp());
-    from->update();
-    to->update();
-    QTRY_VERIFY_WITH_TIMEOUT(
-        from->hasAnswered() && to->hasAnswered() && to->label() == QLatin1String("Mux 4"), 10000);
-
-    from->setLabel(QStringLiteral("Spare feed"));
-    from->setPortEnabled(3, true);
-    from->setPortAmi(3, true);
-    const QString path = dir->filePath(QStringLiteral("mux1.dvsf"));
-    QSignalSpy done(from, &DemoUnit::operationDone);
-    from->saveSettingsFile(path);
-    QCOMPARE(done.count(), 1);
-    QVERIFY(done.at(0).at(1).toBool());
-
-    DeviceSettingsEx file;
-    QVERIFY(SaveSettings::read(file, path));
-    QVERIFY(!file.isCorrupted());
-    QCOMPARE(file.deviceName, QStringLiteral("DemoMux-4E1"));
-    QCOMPARE(file.deviceCode, static_cast<qint16>(0x4E1));
-
-    // Loaded without addresses: the SNMP unit keeps its own IP.
-    to->loadSettingsFile(path, true);
-    const QByteArray expected = QByteArray::fromHex("03030005"
-                                                    "c000020b" // 192.0.2.11, unit 4's own
-                                                    "ffffff00")
-        + QByteArray("Spare feed").leftJustified(16, '\0') + QByteArray(4, '\0'); // 4 reserved bytes
-    SimulatedUnit *far = host->network()->unit(keys.at(3));
-    QTRY_COMPARE_WITH_TIMEOUT(far->configImage(), expected, 10000);
-    QCOMPARE(to->ipAddress(), QStringLiteral("192.0.2.11"));
-    QCOMPARE(to->label(), QStringLiteral("Spare feed"));
-    QVERIFY(to->portAmi(3));
-}
-
-void tst_DemoHost::damagedSettingsFileIsRefused()
-{
-    auto host = makeHost(0.0);
-    DemoUnit *unit = host->unit(host->unitKeys().at(1));
-    unit->update();
-    QTRY_VERIFY_WITH_TIMEOUT(unit->hasAnswered(), 10000);
-    const QString path = dir->filePath(QStringLiteral("unit.dvsf"));
-    unit->saveSettingsFile(path);
-
-    // One byte of the image changed on disk: the last byte of the file.
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::ReadWrite));
-    QByteArray bytes = file.readAll();
-    bytes[bytes.size() - 1] = static_cast<char>(bytes.at(bytes.size() - 1) ^ 0x5A);
-    QVERIFY(file.seek(0));
-    QCOMPARE(file.write(bytes), bytes.size());
-    file.close();
-
-    const int requests = unit->requestCount();
-    QSignalSpy done(unit, &DemoUnit::operationDone);
-    unit->loadSettingsFile(path, false);
-    QCOMPARE(done.count(), 1);
-    QVERIFY(!done.at(0).at(1).toBool());
-    QVERIFY(done.at(0).at(0).toString().contains(QLatin1String("damaged")));
-    QCOMPARE(unit->requestCount(), requests); // nothing went to the unit
-
-    unit->loadSettingsFile(dir->filePath(QStringLiteral("missing.dvsf")), false);
-    QCOMPARE(done.count(), 2);
-    QVERIFY(!done.at(1).at(1).toBool());
-}
-
-void tst_DemoHost::windowActionsReachTheUnit()
-{
-    auto host = makeHost(0.0);
-    const unsigned short key = host->unitKeys().at(2);
-    DemoUnit *unit = host->unit(key);
-    unit->showUi();
-    UnitWindow *window = unit->configWindow();
-    QVERIFY(window);
-    QTRY_VERIFY_WITH_TIMEOUT(unit->hasAnswered(), 10000);
-    QVERIFY(window->showPage(QStringLiteral("Statistics.G826")));
-    QVERIFY(!window->showPage(QStringLiteral("Statistics.G.826")));
-
-    // Restart asks for an acknowledgement, then the unit goes quiet for a while.
-    onNextModal([](QWidget *box) { static_cast<QDialog *>(box)->accept(); });
-    window->findChild<QAction *>(QStringLiteral("actionRestart"))->trigger();
-    SimulatedUnit *far = host->network()->unit(key);
-    QTRY_VERIFY_WITH_TIMEOUT(far->isRestarting(), 5000);
-    QTRY_VERIFY_WITH_TIMEOUT(!far->isRestarting(), 5000);
-
-    // Closing the window reaches the host through the map, keyed.
-    QSignalSpy closed(host->deviceMap(), &Map::uiClosed);
-    window->close();
-    QTRY_COMPARE(closed.count(), 1);
-    QCOMPARE(closed.at(0).at(0).value<unsigned short>(), key);
-    QTRY_VERIFY(!unit->configWindow());
-}
-
-void tst_DemoHost::passwordDialogGuardsTheWindow()
-{
-    auto host = makeHost(0.0);
-    // The sixth unit runs firmware 2.4, which asks for a password.
-    DemoUnit *unit = host->unit(host->unitKeys().at(5));
-    onNextModal([](QWidget *dialog) { static_cast<QDialog *>(dialog)->reject(); });
-    unit->showUi();
-    QCOMPARE(unit->getAutorisationResult(), 4);
-    QVERIFY(!unit->configWindow());
-
-    onNextModal([](QWidget *dialog) {
-        auto *input = qobject_cast<QInputDialog *>(dialog);
-        QVERIFY(input);
-        input->setTextValue(QStringLiteral("secret"));
-        input->accept();
-    });
-    unit->showUi();
-    QCOMPARE(unit->getAutorisationResult(), 0);
-    QVERIFY(unit->configWindow());
-    unit->closeUi();
-}
-
-void tst_DemoHost::layoutSurvivesRestart()
-{
-    QList<unsigned short> keys;
+    void alarmsBlinkAndTrapsArrive()
     {
         auto host = makeHost(0.0);
-        keys = host->unitKeys();
-        host->scene()->getDeviceItem(keys.at(2))->setPos(640, 480);
-        host->scene()->addArrowLink(keys.at(11), keys.at(0));
-    } // closing the host saves its layout
+        QSignalSpy blink(host->scene(), &DeviceScene::togleAlarm);
+        QSortFilterProxyModel *traps = host->trapList()->getModel();
+        // Some unit is in alarm and its outline alternates between the two phases.
+        QTRY_VERIFY_WITH_TIMEOUT(
+            [&] {
+                QSet<bool> phases;
+                for (const QList<QVariant> &args : qAsConst(blink))
+                    phases.insert(args.at(0).toBool());
+                return phases.size() == 2;
+            }(),
+            20000);
+        QTRY_VERIFY_WITH_TIMEOUT(traps->rowCount() >= 3, 20000);
 
-    auto host = makeHost(0.0);
-    QCOMPARE(host->unitKeys(), keys);
-    QCOMPARE(host->scene()->getItemPos(keys.at(2)), QPointF(640, 480));
-    const auto links = host->scene()->getArrowLinkList();
-    QVERIFY(links.contains(qMakePair(keys.at(11), keys.at(0))));
-    QVERIFY(links.contains(qMakePair(keys.at(0), keys.at(1))));
-    QCOMPARE(links.size(), 12); // 11 first-start links and the one drawn
-}
-
-void tst_DemoHost::offscreenRunWritesScreenshots()
-{
-    const QString shots = dir->filePath(QStringLiteral("shots"));
-    QProcess demo;
-    demo.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-    demo.start(QStringLiteral(DEMOHOST_BINARY),
-        {QStringLiteral("--offscreen"), shots, QStringLiteral("--seconds"), QStringLiteral("2"),
-            QStringLiteral("--layout"), dir->filePath(QStringLiteral("run-layout.json"))});
-    QVERIFY(demo.waitForFinished(120000));
-    QCOMPARE(demo.exitStatus(), QProcess::NormalExit);
-    QCOMPARE(demo.exitCode(), 0);
-    QVERIFY(QFile::exists(dir->filePath(QStringLiteral("run-layout.json"))));
-
-    for (const char *name : {"mainwindow.png", "configwindow.png"}) {
-        const QImage image(shots + QLatin1Char('/') + QLatin1String(name));
-        QVERIFY2(!image.isNull(), name);
-        QVERIFY(image.width() >= 600 && image.height() >= 400);
-        // Not blank: a real window has text, frames and colour in many shades.
-        QSet<QRgb> colours;
-        for (int y = 0; y < image.height(); y += 3) {
-            for (int x = 0; x < image.width(); x += 3)
-                colours.insert(image.pixel(x, y));
+        // Each trap names a unit of the map, and only SNMP units send them.
+        QSet<QString> snmpNames;
+        for (unsigned short key : host->unitKeys()) {
+            if (host->unit(key)->isSnmp())
+                snmpNames.insert(host->unit(key)->getParameter(DeviceDescriptor::DP_NAME).toString());
         }
-        QVERIFY2(colours.size() > 50, name);
+        for (int row = 0; row < traps->rowCount(); ++row)
+            QVERIFY(snmpNames.contains(traps->index(row, 1).data().toString()));
+
+        // The filter finds a unit by its name, whichever column holds it.
+        const QString name = traps->index(0, 1).data().toString();
+        host->trapList()->trapsOverlap(true); // freeze, so the count holds still
+        const int all = traps->rowCount();
+        host->trapList()->setFilter(QStringLiteral("^%1$").arg(name));
+        QVERIFY(traps->rowCount() >= 1 && traps->rowCount() <= all);
+        for (int row = 0; row < traps->rowCount(); ++row)
+            QCOMPARE(traps->index(row, 1).data().toString(), name);
     }
-}
+
+    void settingsFileMovesBetweenUnits()
+    {
+        auto host = makeHost(0.0);
+        const QList<unsigned short> keys = host->unitKeys();
+        // A serial unit gives its settings to an SNMP unit.
+        DemoUnit *from = host->unit(keys.at(0));
+        DemoUnit *to = host->unit(keys.at(3));
+        QVERIFY(!from->isSnmp() && to->isSnmp());
+        from->update();
+        to->update();
+        QTRY_VERIFY_WITH_TIMEOUT(
+            from->hasAnswered() && to->hasAnswered() && to->label() == QLatin1String("Mux 4"), 10000);
+
+        from->setLabel(QStringLiteral("Spare feed"));
+        from->setPortEnabled(3, true);
+        from->setPortAmi(3, true);
+        const QString path = dir->filePath(QStringLiteral("mux1.dvsf"));
+        QSignalSpy done(from, &DemoUnit::operationDone);
+        from->saveSettingsFile(path);
+        QCOMPARE(done.count(), 1);
+        QVERIFY(done.takeFirst().at(1).toBool());
+
+        DeviceSettingsEx file;
+        QVERIFY(SaveSettings::read(file, path));
+        QVERIFY(!file.isCorrupted());
+        QCOMPARE(file.deviceName, QStringLiteral("DemoMux-4E1"));
+        QCOMPARE(file.deviceCode, static_cast<qint16>(0x4E1));
+
+        // Loaded without addresses: the SNMP unit keeps its own IP.
+        to->loadSettingsFile(path, true);
+        const QByteArray expected = QByteArray::fromHex("03030005"
+                                                        "c000020b" // 192.0.2.11, unit 4's own
+                                                        "ffffff00")
+            + QByteArray("Spare feed").leftJustified(16, '\0') + QByteArray(4, '\0'); // 4 reserved bytes
+        QTRY_COMPARE_WITH_TIMEOUT(host->network()->unit(keys.at(3))->configImage(), expected, 10000);
+        QCOMPARE(to->ipAddress(), QStringLiteral("192.0.2.11"));
+        QCOMPARE(to->label(), QStringLiteral("Spare feed"));
+        QVERIFY(to->portAmi(3));
+
+        // One byte of the image changed on disk, or no file at all: nothing goes to the unit.
+        QFile damaged(path);
+        QVERIFY(damaged.open(QIODevice::ReadWrite));
+        QByteArray bytes = damaged.readAll();
+        bytes[bytes.size() - 1] = static_cast<char>(bytes.at(bytes.size() - 1) ^ 0x5A);
+        QVERIFY(damaged.seek(0) && damaged.write(bytes) == bytes.size());
+        damaged.close();
+        const int requests = from->requestCount();
+        from->loadSettingsFile(path, false);
+        from->loadSettingsFile(dir->filePath(QStringLiteral("missing.dvsf")), false);
+        QCOMPARE(done.count(), 2);
+        QVERIFY(!done.at(0).at(1).toBool() && !done.at(1).at(1).toBool());
+        QVERIFY(done.at(0).at(0).toString().contains(QLatin1String("damaged")));
+        QCOMPARE(from->requestCount(), requests);
+
+        // Loss of signal on the fourth line alone is a major alarm. The polls
+        // fail from now on, so the next one judges the image as patched here.
+        QSignalSpy polled(from, &DeviceDescriptor::statusUpdated);
+        host->network()->failNext(keys.at(0), 1000000);
+        from->updateAlarmStatus();
+        QVERIFY(polled.wait(10000));
+        BaseRawType *alarms = from->getStatusMap()->getItem(QStringLiteral("alarms"));
+        alarms->setInteger(0, 0, 1, 0x08);
+        alarms->setInteger(1, 0, 1, 0);
+        from->updateAlarmStatus();
+        QVERIFY(polled.wait(10000));
+        QCOMPARE(static_cast<int>(from->getAlarmState()), static_cast<int>(Core::ALARM_MAJOR));
+    }
+
+    void windowActionsReachTheUnit()
+    {
+        auto host = makeHost(0.0);
+        const unsigned short key = host->unitKeys().at(2);
+        DemoUnit *unit = host->unit(key);
+        unit->showUi();
+        UnitWindow *window = unit->configWindow();
+        QVERIFY(window);
+        QTRY_VERIFY_WITH_TIMEOUT(unit->hasAnswered(), 10000);
+        QVERIFY(window->showPage(QStringLiteral("Statistics.G826")));
+        QVERIFY(!window->showPage(QStringLiteral("Statistics.G.826")));
+
+        // Restart asks for an acknowledgement, then the unit goes quiet for a while.
+        {
+            ModalAnswer answer([](QWidget *box) { static_cast<QDialog *>(box)->accept(); });
+            window->findChild<QAction *>(QStringLiteral("actionRestart"))->trigger();
+        }
+        SimulatedUnit *far = host->network()->unit(key);
+        QTRY_VERIFY_WITH_TIMEOUT(far->isRestarting(), 5000);
+        QTRY_VERIFY_WITH_TIMEOUT(!far->isRestarting(), 5000);
+
+        // Closing the window reaches the host through the map, keyed.
+        QSignalSpy closed(host->deviceMap(), &Map::uiClosed);
+        window->close();
+        QTRY_COMPARE(closed.count(), 1);
+        QCOMPARE(closed.at(0).at(0).value<unsigned short>(), key);
+        QTRY_VERIFY(!unit->configWindow());
+    }
+
+    void passwordDialogGuardsTheWindow()
+    {
+        auto host = makeHost(0.0);
+        // The sixth unit runs firmware 2.4, which asks for a password.
+        DemoUnit *unit = host->unit(host->unitKeys().at(5));
+        for (const QString &typed : {QString(), QStringLiteral("secret")}) {
+            ModalAnswer answer(as<QInputDialog>([&](QInputDialog *input) {
+                input->setTextValue(typed);
+                typed.isEmpty() ? input->reject() : input->accept();
+            }));
+            unit->showUi();
+            QCOMPARE(answer.answered, 1);
+            QCOMPARE(unit->getAutorisationResult(), typed.isEmpty() ? 4 : 0);
+            QCOMPARE(unit->configWindow() != nullptr, !typed.isEmpty());
+        }
+        unit->closeUi();
+    }
+
+    void layoutSurvivesRestart()
+    {
+        QList<unsigned short> keys;
+        {
+            auto host = makeHost(0.0);
+            keys = host->unitKeys();
+            host->scene()->getDeviceItem(keys.at(2))->setPos(640, 480);
+            host->scene()->addArrowLink(keys.at(11), keys.at(0));
+        } // closing the host saves its layout
+
+        auto host = makeHost(0.0);
+        QCOMPARE(host->unitKeys(), keys);
+        QCOMPARE(host->scene()->getItemPos(keys.at(2)), QPointF(640, 480));
+        const auto links = host->scene()->getArrowLinkList();
+        QVERIFY(links.contains(qMakePair(keys.at(11), keys.at(0))));
+        QVERIFY(links.contains(qMakePair(keys.at(0), keys.at(1))));
+        QCOMPARE(links.size(), 12); // 11 first-start links and the one drawn
+    }
+
+    void offscreenRunWritesScreenshots()
+    {
+        const QString shots = dir->filePath(QStringLiteral("shots"));
+        const QString layout = dir->filePath(QStringLiteral("run-layout.json"));
+        QProcess demo;
+        demo.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        demo.start(QStringLiteral(DEMOHOST_BINARY),
+            {QStringLiteral("--offscreen"), shots, QStringLiteral("--seconds"), QStringLiteral("2"),
+                QStringLiteral("--layout"), layout});
+        QVERIFY(demo.waitForFinished(120000));
+        QVERIFY(demo.exitStatus() == QProcess::NormalExit && demo.exitCode() == 0);
+        QVERIFY(QFile::exists(layout));
+        for (const char *name : {"mainwindow.png", "configwindow.png"}) {
+            const QImage image(shots + QLatin1Char('/') + QLatin1String(name));
+            QVERIFY2(image.width() >= 600 && image.height() >= 400, name);
+            // Not blank: a real window has text, frames and colour in many shades.
+            QSet<QRgb> colours;
+            for (int y = 0; y < image.height(); y += 3) {
+                for (int x = 0; x < image.width(); x += 3)
+                    colours.insert(image.pixel(x, y));
+            }
+            QVERIFY2(colours.size() > 50, name);
+        }
+    }
+};
 
 QTEST_MAIN(tst_DemoHost)
 #include "tst_demohost.moc"

@@ -43,446 +43,418 @@ class tst_Map : public QObject
 {
     Q_OBJECT
 private slots:
-    void keys();
-    void groupTree();
-    void findItemCutsToSixteenBits();
-    void removeGroupWithNestedUnits();
-    void containsAddress_data();
-    void containsAddress();
-    void requestRoundTrip();
-    void relays_data();
-    void relays();
-    void addressCheckCycle();
-    void scanThreeUnits();
-    void scanEndsEarly();
-    void alarms();
-    void metaObjectOrder();
-    void manyUnits();
-};
+    void keys()
+    {
+        Map map;
+        QList<TestDevice *> devices;
+        for (int i = 0; i < 8; ++i)
+            devices << new TestDevice;
+        QSignalSpy count(&map, &Map::activeDeviceCountChanged);
 
-void tst_Map::keys()
-{
-    Map map;
-    QList<TestDevice *> devices;
-    for (int i = 0; i < 8; ++i)
-        devices << new TestDevice;
-    QSignalSpy count(&map, &Map::activeDeviceCountChanged);
+        QCOMPARE(map.addItem(QModelIndex(), devices[0], {}), (unsigned short)1);
+        QCOMPARE(map.addItem(QModelIndex(), devices[1], 100, {}), (unsigned short)100);
+        QCOMPARE(map.addItem(QModelIndex(), devices[2], 40, {}), (unsigned short)40);
+        QCOMPARE(map.addItem(QModelIndex(), devices[3], {}), (unsigned short)41);
+        QCOMPARE(map.addItem(QModelIndex(), devices[4], 65535, {}), (unsigned short)65535);
+        QCOMPARE(map.addItem(QModelIndex(), devices[5], {}), (unsigned short)0);
+        // Key 1 is taken over: the registry keeps six units, the tree gets a seventh row.
+        const QVector<QString> strings {QStringLiteral("a"), QStringLiteral("b")};
+        QCOMPARE(map.addItem(QModelIndex(), devices[6], strings), (unsigned short)1);
+        QCOMPARE(map.getDevice(1), devices[6]);
+        QCOMPARE(map.getDeviceCount(), 6);
+        QCOMPARE(map.getModel()->rowCount(), 7);
+        QCOMPARE(map.getItemIndex(1).row(), 0);
+        QCOMPARE(count.count(), 7);
+        QCOMPARE(count.last().at(0).toUInt(), 6u);
+        QCOMPARE(map.getMapItem(1)->getStrings(), strings);
 
-    QCOMPARE(map.addItem(QModelIndex(), devices[0], {}), (unsigned short)1);
-    QCOMPARE(map.addItem(QModelIndex(), devices[1], 100, {}), (unsigned short)100);
-    QCOMPARE(map.addItem(QModelIndex(), devices[2], 40, {}), (unsigned short)40);
-    QCOMPARE(map.addItem(QModelIndex(), devices[3], {}), (unsigned short)41);
-    QCOMPARE(map.addItem(QModelIndex(), devices[4], 65535, {}), (unsigned short)65535);
-    QCOMPARE(map.addItem(QModelIndex(), devices[5], {}), (unsigned short)0);
-    // Key 1 is taken over: the registry keeps six units, the tree gets a seventh row.
-    const QVector<QString> strings {QStringLiteral("a"), QStringLiteral("b")};
-    QCOMPARE(map.addItem(QModelIndex(), devices[6], strings), (unsigned short)1);
-    QCOMPARE(map.getDevice(1), devices[6]);
-    QCOMPARE(map.getDeviceCount(), 6);
-    QCOMPARE(map.getModel()->rowCount(), 7);
-    QCOMPARE(map.getItemIndex(1).row(), 0);
-    QCOMPARE(count.count(), 7);
-    QCOMPARE(count.last().at(0).toUInt(), 6u);
-    QCOMPARE(map.getMapItem(1)->getStrings(), strings);
-
-    // Null and already registered descriptors are refused.
-    QCOMPARE(map.addItem(QModelIndex(), nullptr, {}), (unsigned short)0);
-    QCOMPARE(map.addItem(QModelIndex(), devices[3], {}), (unsigned short)0);
-    QCOMPARE(map.getModel()->rowCount(), 7);
-    qDeleteAll(devices);
-}
-
-void tst_Map::groupTree()
-{
-    Map map;
-    QStandardItem *root = map.getModel()->invisibleRootItem();
-    map.addItem(QModelIndex(), named("First"), {});
-    QStandardItem *site = map.addGroup(QModelIndex(), QStringLiteral("Site"));
-    QCOMPARE(site->data(KeyRole).toInt(), -1);
-    const unsigned short inside = map.addItem(site->index(), named("Inside"), {});
-    // With a unit selected, units and groups go beside it, never under it.
-    map.addItem(map.getItemIndex(inside), named("Beside"), {});
-    map.addGroup(map.getItemIndex(inside), QStringLiteral("Sub"));
-    map.addItem(map.getItemIndex(1), named("Top"), {});
-
-    QItemSelectionModel selection(map.getModel());
-    QCOMPARE(map.addItem(&selection, QStringLiteral("Unselected")), (unsigned short)4);
-    selection.setCurrentIndex(site->index(), QItemSelectionModel::ClearAndSelect);
-    map.addItem(&selection, QStringLiteral("In site"));
-    selection.setCurrentIndex(map.getItemIndex(1), QItemSelectionModel::ClearAndSelect);
-    map.addItem(&selection, QStringLiteral("Beside first"));
-
-    QCOMPARE(rowTexts(root), (QStringList {"First", "Site", "Top", "Unselected", "Beside first"}));
-    QCOMPARE(rowTexts(site), (QStringList {"Inside", "Beside", "Sub", "In site"}));
-    QCOMPARE(root->child(0)->rowCount(), 0);
-    QVERIFY(!root->child(0)->icon().isNull());
-
-    map.renameItem(map.getItemIndex(inside), QStringLiteral("Exchange"));
-    map.renameItem(site->index(), QStringLiteral("Region"));
-    map.renameItem(QModelIndex(), QStringLiteral("ignored"));
-    QCOMPARE(site->child(0)->text(), QStringLiteral("Exchange"));
-    QCOMPARE(map.getDevice(inside)->getParameter(DeviceDescriptor::DP_NAME).toString(),
-        QStringLiteral("Exchange"));
-    QCOMPARE(site->text(), QStringLiteral("Region"));
-    for (unsigned short key : map.getDeviceIdList())
-        delete map.getDevice(key);
-}
-
-void tst_Map::findItemCutsToSixteenBits()
-{
-    Map map;
-    QStandardItem *root = map.getModel()->invisibleRootItem();
-    auto *device = new TestDevice;
-    map.addItem(QModelIndex(), device, 3, {});
-    QStandardItem *outer = map.addGroup(QModelIndex(), QStringLiteral("Outer"));
-    QStandardItem *inner = map.addGroup(outer->index(), QStringLiteral("Inner"));
-
-    QCOMPARE(map.findItem(root, 65535), outer);
-    QCOMPARE(map.findItem(inner, 65535), inner);
-    QCOMPARE(map.findItem(root, 0), root);
-    QCOMPARE(map.findItem(root, 3), root->child(0));
-    QCOMPARE(map.findItem(root, 4), nullptr);
-    QCOMPARE(map.getItemIndex(65535), outer->index());
-    QVERIFY(!map.getItemIndex(0).isValid());
-    // Deleting "unit" 65535 must not take the group with it.
-    QVERIFY(!map.deleteDevice(65535));
-    QCOMPARE(root->rowCount(), 2);
-    delete device;
-}
-
-void tst_Map::removeGroupWithNestedUnits()
-{
-    Map map;
-    // G { 1, H { 2, 3 }, 4 }, 5
-    QList<QPointer<TestDevice>> devices;
-    for (int i = 0; i < 5; ++i)
-        devices << new TestDevice;
-    QStandardItem *g = map.addGroup(QModelIndex(), QStringLiteral("G"));
-    map.addItem(g->index(), devices[0], {});
-    QStandardItem *h = map.addGroup(g->index(), QStringLiteral("H"));
-    map.addItem(h->index(), devices[1], {});
-    map.addItem(h->index(), devices[2], {});
-    map.addItem(g->index(), devices[3], {});
-    map.addItem(QModelIndex(), devices[4], {});
-
-    KeyList listed;
-    map.getGroupItemList(g->index(), listed);
-    QCOMPARE(listed, (KeyList {1, 2, 3, 4}));
-
-    QSignalSpy count(&map, &Map::activeDeviceCountChanged);
-    QCOMPARE(map.remove(g->index()), (KeyList {1, 2, 3, 4}));
-    QCOMPARE(count.count(), 4);
-    QCOMPARE(count.at(0).at(0).toUInt(), 4u);
-    QCOMPARE(count.at(3).at(0).toUInt(), 1u);
-    QCOMPARE(map.getModel()->rowCount(), 1);
-    QCOMPARE(map.getDeviceIdList(), KeyList {5});
-    // Deleted later, not at once.
-    QVERIFY(devices[0]);
-    flushDeletions();
-    QVERIFY(!devices[0] && !devices[1] && !devices[2] && !devices[3]);
-
-    QVERIFY(!map.deleteDevice(6));
-    QVERIFY(map.deleteDevice(5));
-    QCOMPARE(map.getModel()->rowCount(), 0);
-    QVERIFY(map.remove(QModelIndex()).isEmpty());
-    flushDeletions();
-    QVERIFY(!devices[4]);
-}
-
-void tst_Map::containsAddress_data()
-{
-    QTest::addColumn<QString>("unitAddress");
-    QTest::addColumn<QString>("asked");
-    QTest::addColumn<bool>("found");
-
-    QTest::newRow("leading zeros") << QString("005") << "5" << true;
-    QTest::newRow("asked with zeros") << QString("5") << "05" << true;
-    QTest::newRow("other number") << QString("6") << "5" << false;
-    QTest::newRow("four characters are exact") << QString("5") << "0005" << false;
-    QTest::newRow("ip exact") << QString("10.0.0.1") << "10.0.0.1" << true;
-    QTest::newRow("ip zero-padded") << QString("10.0.0.1") << "10.0.0.01" << false;
-    QTest::newRow("unparsable asked counts as 0") << QString("0") << "abc" << true;
-    QTest::newRow("unparsable unit never matches") << QString("abc") << "abc" << false;
-    QTest::newRow("empty unit") << QString() << "0" << false;
-}
-
-void tst_Map::containsAddress()
-{
-    QFETCH(QString, unitAddress);
-    QFETCH(QString, asked);
-    QFETCH(bool, found);
-
-    Map map;
-    QVERIFY(!map.contains(asked));
-    auto *device = new TestDevice(unitAddress);
-    device->setDeviceTypeCode(0x2A);
-    map.addItem(QModelIndex(), device, {});
-    QCOMPARE(map.contains(asked), found);
-    QCOMPARE(map.containsWithName(asked, 0x2A), found);
-    QCOMPARE(map.containsWithName(asked, 0x2B), false);
-    QCOMPARE(map.contains(unitAddress, unitAddress), false);
-    delete device;
-}
-
-void tst_Map::requestRoundTrip()
-{
-    Map map;
-    auto *device = new TestDevice;
-    QPointer<TestDevice> removed = new TestDevice;
-    const unsigned short key = map.addItem(QModelIndex(), device, {});
-    const unsigned short removedKey = map.addItem(QModelIndex(), removed, {});
-    QSignalSpy requests(&map, &Map::request);
-
-    const QByteArray bytes("\x01\x03\x00\x10\x00\x02", 6);
-    device->sendRequest(bytes);
-    QCOMPARE(requests.count(), 0);
-    QVERIFY(requests.wait(1000));
-    QCOMPARE(requests.at(0).at(0).toInt(), int(key));
-    QCOMPARE(requests.at(0).at(1).toByteArray(), bytes);
-
-    // Nothing reaches a unit inside answer() or replyError(), and nothing
-    // reaches one deleted before the queue ran.
-    const QByteArray reply("\x01\x03\x02\x00\x2A", 5);
-    map.answer(key, reply);
-    map.replyError(key);
-    map.answer(removedKey, "late");
-    map.replyError(removedKey);
-    map.answer(removedKey + 1, "stray");
-    map.replyError(removedKey + 1);
-    QVERIFY(device->calls.isEmpty());
-    QVERIFY(map.deleteDevice(removedKey));
-    QCoreApplication::processEvents();
-    QCOMPARE(device->calls, (QStringList {"setData()", "setError()"}));
-    QCOMPARE(device->answers, QList<QByteArray> {reply});
-    QVERIFY(removed && removed->calls.isEmpty());
-    flushDeletions();
-    QVERIFY(!removed);
-
-    // A disconnected unit is no longer relayed, also for what was already queued.
-    device->sendRequest("late");
-    map.disconnectDevice(key);
-    map.disconnectDevice(-1);
-    QCoreApplication::processEvents();
-    QCOMPARE(requests.count(), 1);
-    delete device;
-}
-
-void tst_Map::relays_data()
-{
-    QTest::addColumn<QByteArray>("signal");
-    QTest::addColumn<QVariant>("payload");
-
-    QTest::newRow("front panel") << QByteArray(SIGNAL(frontpanel(unsigned short, QString)))
-                                 << QVariant(QStringLiteral("dimension:2,1;"));
-    QTest::newRow("system message") << QByteArray(SIGNAL(systemMessage(unsigned short, QString)))
-                                    << QVariant(QStringLiteral("Fan failure"));
-    QTest::newRow("alarm state") << QByteArray(SIGNAL(alarmStateChanged(unsigned short))) << QVariant();
-    QTest::newRow("settings") << QByteArray(SIGNAL(settingsChanged(unsigned short))) << QVariant();
-    QTest::newRow("window closed") << QByteArray(SIGNAL(uiClosed(unsigned short))) << QVariant();
-    QTest::newRow("serial state") << QByteArray(SIGNAL(serialState(unsigned short, bool))) << QVariant(true);
-}
-
-void tst_Map::relays()
-{
-    QFETCH(QByteArray, signal);
-    QFETCH(QVariant, payload);
-
-    Map map;
-    auto *bystander = new TestDevice;
-    auto *device = new TestDevice;
-    map.addItem(QModelIndex(), bystander, {});
-    map.addItem(QModelIndex(), device, 300, {});
-    device->serialOn = true;
-    QSignalSpy spy(&map, signal.constData());
-    QVERIFY(spy.isValid());
-
-    const QByteArray row(QTest::currentDataTag());
-    if (row == "front panel")
-        emit device->frontPanelChanged();
-    else if (row == "system message")
-        device->announce(payload.toString());
-    else if (row == "alarm state")
-        device->setAlarmState(Core::ALARM_MINOR);
-    else if (row == "settings")
-        emit device->interfSettingsChanged();
-    else if (row == "window closed")
-        emit device->uiClosed();
-    else if (row == "serial state")
-        emit device->serialState();
-
-    QCOMPARE(spy.count(), 0);
-    QVERIFY(spy.wait(1000));
-    QCOMPARE(spy.count(), 1);
-    QCOMPARE(spy.at(0).at(0).toUInt(), 300u);
-    if (payload.isValid())
-        QCOMPARE(spy.at(0).at(1), payload);
-    delete device;
-    delete bystander;
-}
-
-void tst_Map::addressCheckCycle()
-{
-    Map map;
-    auto *first = new TestDevice(QStringLiteral("1"));
-    auto *second = new TestDevice(QStringLiteral("10.0.0.2"));
-    map.addItem(QModelIndex(), first, {});
-    map.addItem(QModelIndex(), second, {});
-    QSignalSpy answers(second, &DeviceDescriptor::setIP);
-
-    // Another unit's serial address, a free one, and the unit's own.
-    const QList<QPair<QString, bool>> proposals {{"001", false}, {"10.0.0.3", true}, {"10.0.0.2", false}};
-    for (const auto &proposal : proposals) {
-        second->checkAdr(proposal.first);
-        QCOMPARE(answers.count(), 0);
-        QVERIFY(answers.wait(1000));
-        QCOMPARE(answers.takeFirst().at(0).toBool(), proposal.second);
+        // Null and already registered descriptors are refused.
+        QCOMPARE(map.addItem(QModelIndex(), nullptr, {}), (unsigned short)0);
+        QCOMPARE(map.addItem(QModelIndex(), devices[3], {}), (unsigned short)0);
+        QCOMPARE(map.getModel()->rowCount(), 7);
+        qDeleteAll(devices);
     }
-    delete first;
-    delete second;
-}
+    void groupTree()
+    {
+        Map map;
+        QStandardItem *root = map.getModel()->invisibleRootItem();
+        map.addItem(QModelIndex(), named("First"), {});
+        QStandardItem *site = map.addGroup(QModelIndex(), QStringLiteral("Site"));
+        QCOMPARE(site->data(KeyRole).toInt(), -1);
+        const unsigned short inside = map.addItem(site->index(), named("Inside"), {});
+        // With a unit selected, units and groups go beside it, never under it.
+        map.addItem(map.getItemIndex(inside), named("Beside"), {});
+        map.addGroup(map.getItemIndex(inside), QStringLiteral("Sub"));
+        map.addItem(map.getItemIndex(1), named("Top"), {});
 
-void tst_Map::scanThreeUnits()
-{
-    Map map;
-    QSignalSpy polled(&map, &Map::updateAlarmFinished);
-    map.startScan();
-    QVERIFY(!map.scanInproccess());
-    QCOMPARE(polled.count(), 0);
+        QItemSelectionModel selection(map.getModel());
+        QCOMPARE(map.addItem(&selection, QStringLiteral("Unselected")), (unsigned short)4);
+        selection.setCurrentIndex(site->index(), QItemSelectionModel::ClearAndSelect);
+        map.addItem(&selection, QStringLiteral("In site"));
+        selection.setCurrentIndex(map.getItemIndex(1), QItemSelectionModel::ClearAndSelect);
+        map.addItem(&selection, QStringLiteral("Beside first"));
 
-    QList<TestDevice *> devices {new TestDevice, new TestDevice, new TestDevice};
-    for (TestDevice *device : devices)
-        map.addItem(QModelIndex(), device, {});
-    const KeyList order = map.getDeviceIdList();
-    auto unit = [&](int i) { return static_cast<TestDevice *>(map.getDevice(order.at(i))); };
+        QCOMPARE(rowTexts(root), (QStringList {"First", "Site", "Top", "Unselected", "Beside first"}));
+        QCOMPARE(rowTexts(site), (QStringList {"Inside", "Beside", "Sub", "In site"}));
+        QCOMPARE(root->child(0)->rowCount(), 0);
+        QVERIFY(!root->child(0)->icon().isNull());
 
-    map.startScan();
-    QVERIFY(map.scanInproccess());
-    QCOMPARE(polled.count(), 1);
-    QCOMPARE(unit(0)->calls, QStringList {"updateAlarmStatus(1)"});
-
-    // Any unit's report moves the pass on, one unit per report.
-    emit unit(2)->statusUpdated();
-    QCOMPARE(polled.count(), 1);
-    QTRY_COMPARE(polled.count(), 2);
-    emit unit(1)->statusUpdated();
-    QTRY_COMPARE(polled.count(), 3);
-    QVERIFY(map.scanInproccess());
-    emit unit(2)->statusUpdated();
-    QTRY_VERIFY(!map.scanInproccess());
-    QCOMPARE(polled.count(), 3);
-    for (int i = 0; i < 3; ++i) {
-        QCOMPARE(polled.at(i).at(0).toUInt(), uint(order.at(i)));
-        QCOMPARE(unit(i)->count(QStringLiteral("updateAlarmStatus(1)")), 1);
+        map.renameItem(map.getItemIndex(inside), QStringLiteral("Exchange"));
+        map.renameItem(site->index(), QStringLiteral("Region"));
+        map.renameItem(QModelIndex(), QStringLiteral("ignored"));
+        QCOMPARE(site->child(0)->text(), QStringLiteral("Exchange"));
+        QCOMPARE(map.getDevice(inside)->getParameter(DeviceDescriptor::DP_NAME).toString(),
+            QStringLiteral("Exchange"));
+        QCOMPARE(site->text(), QStringLiteral("Region"));
+        for (unsigned short key : map.getDeviceIdList())
+            delete map.getDevice(key);
     }
-
-    // The next pass starts again with the first unit; stopScan ends it.
-    map.startScan();
-    QCOMPARE(polled.last().at(0).toUInt(), uint(order.at(0)));
-    map.stopScan();
-    emit unit(0)->statusUpdated();
-    QCoreApplication::processEvents();
-    QCOMPARE(polled.count(), 4);
-    qDeleteAll(devices);
-}
-
-void tst_Map::scanEndsEarly()
-{
-    Map map;
-    for (int i = 0; i < 4; ++i) {
-        map.addItem(QModelIndex(), new TestDevice, {});
-        static_cast<TestDevice *>(map.getDevice(i + 1))->finishPollAtOnce = true;
-    }
-    const KeyList order = map.getDeviceIdList();
-    QSignalSpy polled(&map, &Map::updateAlarmFinished);
-
-    // A busy key ends the pass; duplicates are kept and removed one at a time.
-    map.addDeviceKey(order.at(2));
-    map.addDeviceKey(order.at(2));
-    map.removeDeviceKey(order.at(2));
-    map.startScan();
-    QTRY_VERIFY(!map.scanInproccess());
-    QCOMPARE(polled.count(), 2);
-    QVERIFY(static_cast<TestDevice *>(map.getDevice(order.at(3)))->calls.isEmpty());
-
-    // A unit removed during the pass is left out of the rest of it.
-    map.removeDeviceKey(order.at(2));
-    polled.clear();
-    map.startScan();
-    QVERIFY(map.deleteDevice(order.at(1)));
-    QTRY_VERIFY(!map.scanInproccess());
-    QCOMPARE(polled.count(), 3);
-    QCOMPARE(polled.at(1).at(0).toUInt(), uint(order.at(2)));
-    for (unsigned short key : map.getDeviceIdList())
-        delete map.getDevice(key);
-    flushDeletions();
-}
-
-void tst_Map::alarms()
-{
-    Map map;
-    QVERIFY(map.getAlarmMap().isEmpty());
-    QList<TestDevice *> units {new TestDevice("7"), new TestDevice("7"), new TestDevice("10.1.1.1")};
-    for (TestDevice *unit : units)
-        map.addItem(QModelIndex(), unit, {});
-    units[2]->setAlarmState(Core::ALARM_MAJOR);
-    QCOMPARE(map.getAlarmMap(),
-        (QHash<unsigned short, Core::AlarmType> {
-            {1, Core::ALARM_OK}, {2, Core::ALARM_OK}, {3, Core::ALARM_MAJOR}}));
-    // Exact text only, and only the first unit met in key order of the registry.
-    map.setAlarm(QStringLiteral("007"), Core::ALARM_MINOR);
-    QCOMPARE(units[0]->getAlarmState(), Core::ALARM_OK);
-    map.setAlarm(QStringLiteral("7"), Core::ALARM_MINOR);
-    const KeyList order = map.getDeviceIdList();
-    const unsigned short first = order.indexOf(1) < order.indexOf(2) ? 1 : 2;
-    QCOMPARE(map.getAlarmMap().value(first), Core::ALARM_MINOR);
-    QCOMPARE(map.getAlarmMap().value(first == 1 ? 2 : 1), Core::ALARM_OK);
-    map.setSerialState(1, true);
-    map.setSerialState(4, true);
-    QCOMPARE(units[0]->calls, QStringList {"setSerialState(1)"});
-    qDeleteAll(units);
-}
-
-void tst_Map::metaObjectOrder()
-{
-    QCOMPARE(methodsOf(Map::staticMetaObject),
-        QString(
-            "request(int,QByteArray) frontpanel(ushort,QString) systemMessage(ushort,QString) "
-            "alarmStateChanged(ushort) settingsChanged(ushort) uiClosed(ushort) serialState(ushort,bool) "
-            "updateAlarmFinished(ushort) activeDeviceCountChanged(uint) | answer(ushort,QByteArray) "
-            "replyError(ushort) startScan() stopScan() disconnectDevice(int) setAddress(int) newRequest(int) "
-            "frontPanelChange(int) systemEvent(int) alarmStateEvent(int) settingsChangeEvent(int) "
-            "uiClosedEvent(int) serialStateEvent(int) scanNextItem()"));
-    QCOMPARE(
-        methodsOf(DeviceMapItem::staticMetaObject) + methodsOf(MapSerialise::staticMetaObject), QString());
-}
-
-// Ten thousand units through add, one full pass and removal; the timings of
-// the same path are measured by the benchmarks.
-void tst_Map::manyUnits()
-{
-    constexpr int Units = 10000;
-    Map map;
-    QStandardItem *group = map.addGroup(QModelIndex(), QStringLiteral("All"));
-    for (int i = 0; i < Units; ++i) {
+    void findItemCutsToSixteenBits()
+    {
+        Map map;
+        QStandardItem *root = map.getModel()->invisibleRootItem();
         auto *device = new TestDevice;
-        device->finishPollAtOnce = true;
-        map.addItem(group->index(), device, {});
+        map.addItem(QModelIndex(), device, 3, {});
+        QStandardItem *outer = map.addGroup(QModelIndex(), QStringLiteral("Outer"));
+        QStandardItem *inner = map.addGroup(outer->index(), QStringLiteral("Inner"));
+
+        QCOMPARE(map.findItem(root, 65535), outer);
+        QCOMPARE(map.findItem(inner, 65535), inner);
+        QCOMPARE(map.findItem(root, 0), root);
+        QCOMPARE(map.findItem(root, 3), root->child(0));
+        QCOMPARE(map.findItem(root, 4), nullptr);
+        QCOMPARE(map.getItemIndex(65535), outer->index());
+        QVERIFY(!map.getItemIndex(0).isValid());
+        // Deleting "unit" 65535 must not take the group with it.
+        QVERIFY(!map.deleteDevice(65535));
+        QCOMPARE(root->rowCount(), 2);
+        delete device;
     }
-    QCOMPARE(map.getDeviceCount(), Units);
+    void removeGroupWithNestedUnits()
+    {
+        Map map;
+        // G { 1, H { 2, 3 }, 4 }, 5
+        QList<QPointer<TestDevice>> devices;
+        for (int i = 0; i < 5; ++i)
+            devices << new TestDevice;
+        QStandardItem *g = map.addGroup(QModelIndex(), QStringLiteral("G"));
+        map.addItem(g->index(), devices[0], {});
+        QStandardItem *h = map.addGroup(g->index(), QStringLiteral("H"));
+        map.addItem(h->index(), devices[1], {});
+        map.addItem(h->index(), devices[2], {});
+        map.addItem(g->index(), devices[3], {});
+        map.addItem(QModelIndex(), devices[4], {});
 
-    QSignalSpy polled(&map, &Map::updateAlarmFinished);
-    map.startScan();
-    for (int round = 0; map.scanInproccess() && round < 10 * Units; ++round)
+        KeyList listed;
+        map.getGroupItemList(g->index(), listed);
+        QCOMPARE(listed, (KeyList {1, 2, 3, 4}));
+
+        QSignalSpy count(&map, &Map::activeDeviceCountChanged);
+        QCOMPARE(map.remove(g->index()), (KeyList {1, 2, 3, 4}));
+        QCOMPARE(count.count(), 4);
+        QCOMPARE(count.at(0).at(0).toUInt(), 4u);
+        QCOMPARE(count.at(3).at(0).toUInt(), 1u);
+        QCOMPARE(map.getModel()->rowCount(), 1);
+        QCOMPARE(map.getDeviceIdList(), KeyList {5});
+        // Deleted later, not at once.
+        QVERIFY(devices[0]);
+        flushDeletions();
+        QVERIFY(!devices[0] && !devices[1] && !devices[2] && !devices[3]);
+
+        QVERIFY(!map.deleteDevice(6));
+        QVERIFY(map.deleteDevice(5));
+        QCOMPARE(map.getModel()->rowCount(), 0);
+        QVERIFY(map.remove(QModelIndex()).isEmpty());
+        flushDeletions();
+        QVERIFY(!devices[4]);
+    }
+    void containsAddress_data()
+    {
+        QTest::addColumn<QString>("unitAddress");
+        QTest::addColumn<QString>("asked");
+        QTest::addColumn<bool>("found");
+
+        QTest::newRow("leading zeros") << QString("005") << "5" << true;
+        QTest::newRow("asked with zeros") << QString("5") << "05" << true;
+        QTest::newRow("other number") << QString("6") << "5" << false;
+        QTest::newRow("four characters are exact") << QString("5") << "0005" << false;
+        QTest::newRow("ip exact") << QString("10.0.0.1") << "10.0.0.1" << true;
+        QTest::newRow("ip zero-padded") << QString("10.0.0.1") << "10.0.0.01" << false;
+        QTest::newRow("unparsable asked counts as 0") << QString("0") << "abc" << true;
+        QTest::newRow("unparsable unit never matches") << QString("abc") << "abc" << false;
+        QTest::newRow("empty unit") << QString() << "0" << false;
+    }
+    void containsAddress()
+    {
+        QFETCH(QString, unitAddress);
+        QFETCH(QString, asked);
+        QFETCH(bool, found);
+
+        Map map;
+        QVERIFY(!map.contains(asked));
+        auto *device = new TestDevice(unitAddress);
+        device->setDeviceTypeCode(0x2A);
+        map.addItem(QModelIndex(), device, {});
+        QCOMPARE(map.contains(asked), found);
+        QCOMPARE(map.containsWithName(asked, 0x2A), found);
+        QCOMPARE(map.containsWithName(asked, 0x2B), false);
+        QCOMPARE(map.contains(unitAddress, unitAddress), false);
+        delete device;
+    }
+    void requestRoundTrip()
+    {
+        Map map;
+        auto *device = new TestDevice;
+        QPointer<TestDevice> removed = new TestDevice;
+        const unsigned short key = map.addItem(QModelIndex(), device, {});
+        const unsigned short removedKey = map.addItem(QModelIndex(), removed, {});
+        QSignalSpy requests(&map, &Map::request);
+
+        const QByteArray bytes("\x01\x03\x00\x10\x00\x02", 6);
+        device->sendRequest(bytes);
+        QCOMPARE(requests.count(), 0);
+        QVERIFY(requests.wait(1000));
+        QCOMPARE(requests.at(0).at(0).toInt(), int(key));
+        QCOMPARE(requests.at(0).at(1).toByteArray(), bytes);
+
+        // Nothing reaches a unit inside answer() or replyError(), and nothing
+        // reaches one deleted before the queue ran.
+        const QByteArray reply("\x01\x03\x02\x00\x2A", 5);
+        map.answer(key, reply);
+        map.replyError(key);
+        map.answer(removedKey, "late");
+        map.replyError(removedKey);
+        map.answer(removedKey + 1, "stray");
+        map.replyError(removedKey + 1);
+        QVERIFY(device->calls.isEmpty());
+        QVERIFY(map.deleteDevice(removedKey));
         QCoreApplication::processEvents();
-    QCOMPARE(polled.count(), Units);
+        QCOMPARE(device->calls, (QStringList {"setData()", "setError()"}));
+        QCOMPARE(device->answers, QList<QByteArray> {reply});
+        QVERIFY(removed && removed->calls.isEmpty());
+        flushDeletions();
+        QVERIFY(!removed);
 
-    // Every other unit one by one from the far end of the tree, then the rest with their group.
-    for (int key = Units; key >= 1; key -= 2)
-        QVERIFY(map.deleteDevice(static_cast<unsigned short>(key)));
-    QCOMPARE(map.remove(group->index()).size(), Units / 2);
-    flushDeletions();
-    QCOMPARE(map.getDeviceCount(), 0);
-}
+        // A disconnected unit is no longer relayed, also for what was already queued.
+        device->sendRequest("late");
+        map.disconnectDevice(key);
+        map.disconnectDevice(-1);
+        QCoreApplication::processEvents();
+        QCOMPARE(requests.count(), 1);
+        delete device;
+    }
+    void relays_data()
+    {
+        QTest::addColumn<QByteArray>("signal");
+        QTest::addColumn<QVariant>("payload");
+
+        QTest::newRow("front panel") << QByteArray(SIGNAL(frontpanel(unsigned short, QString)))
+                                     << QVariant(QStringLiteral("dimension:2,1;"));
+        QTest::newRow("system message") << QByteArray(SIGNAL(systemMessage(unsigned short, QString)))
+                                        << QVariant(QStringLiteral("Fan failure"));
+        QTest::newRow("alarm state") << QByteArray(SIGNAL(alarmStateChanged(unsigned short))) << QVariant();
+        QTest::newRow("settings") << QByteArray(SIGNAL(settingsChanged(unsigned short))) << QVariant();
+        QTest::newRow("window closed") << QByteArray(SIGNAL(uiClosed(unsigned short))) << QVariant();
+        QTest::newRow("serial state")
+            << QByteArray(SIGNAL(serialState(unsigned short, bool))) << QVariant(true);
+    }
+    void relays()
+    {
+        QFETCH(QByteArray, signal);
+        QFETCH(QVariant, payload);
+
+        Map map;
+        auto *bystander = new TestDevice;
+        auto *device = new TestDevice;
+        map.addItem(QModelIndex(), bystander, {});
+        map.addItem(QModelIndex(), device, 300, {});
+        device->serialOn = true;
+        QSignalSpy spy(&map, signal.constData());
+        QVERIFY(spy.isValid());
+
+        const QByteArray row(QTest::currentDataTag());
+        if (row == "front panel")
+            emit device->frontPanelChanged();
+        else if (row == "system message")
+            device->announce(payload.toString());
+        else if (row == "alarm state")
+            device->setAlarmState(Core::ALARM_MINOR);
+        else if (row == "settings")
+            emit device->interfSettingsChanged();
+        else if (row == "window closed")
+            emit device->uiClosed();
+        else if (row == "serial state")
+            emit device->serialState();
+
+        QCOMPARE(spy.count(), 0);
+        QVERIFY(spy.wait(1000));
+        QCOMPARE(spy.count(), 1);
+        QCOMPARE(spy.at(0).at(0).toUInt(), 300u);
+        if (payload.isValid())
+            QCOMPARE(spy.at(0).at(1), payload);
+        delete device;
+        delete bystander;
+    }
+    void addressCheckCycle()
+    {
+        Map map;
+        auto *first = new TestDevice(QStringLiteral("1"));
+        auto *second = new TestDevice(QStringLiteral("10.0.0.2"));
+        map.addItem(QModelIndex(), first, {});
+        map.addItem(QModelIndex(), second, {});
+        QSignalSpy answers(second, &DeviceDescriptor::setIP);
+
+        // Another unit's serial address, a free one, and the unit's own.
+        const QList<QPair<QString, bool>> proposals {{"001", false}, {"10.0.0.3", true}, {"10.0.0.2", false}};
+        for (const auto &proposal : proposals) {
+            second->checkAdr(proposal.first);
+            QCOMPARE(answers.count(), 0);
+            QVERIFY(answers.wait(1000));
+            QCOMPARE(answers.takeFirst().at(0).toBool(), proposal.second);
+        }
+        delete first;
+        delete second;
+    }
+    void scanThreeUnits()
+    {
+        Map map;
+        QSignalSpy polled(&map, &Map::updateAlarmFinished);
+        map.startScan();
+        QVERIFY(!map.scanInproccess());
+        QCOMPARE(polled.count(), 0);
+
+        QList<TestDevice *> devices {new TestDevice, new TestDevice, new TestDevice};
+        for (TestDevice *device : devices)
+            map.addItem(QModelIndex(), device, {});
+        const KeyList order = map.getDeviceIdList();
+        auto unit = [&](int i) { return static_cast<TestDevice *>(map.getDevice(order.at(i))); };
+
+        map.startScan();
+        QVERIFY(map.scanInproccess());
+        QCOMPARE(polled.count(), 1);
+        QCOMPARE(unit(0)->calls, QStringList {"updateAlarmStatus(1)"});
+
+        // Any unit's report moves the pass on, one unit per report.
+        emit unit(2)->statusUpdated();
+        QCOMPARE(polled.count(), 1);
+        QTRY_COMPARE(polled.count(), 2);
+        emit unit(1)->statusUpdated();
+        QTRY_COMPARE(polled.count(), 3);
+        QVERIFY(map.scanInproccess());
+        emit unit(2)->statusUpdated();
+        QTRY_VERIFY(!map.scanInproccess());
+        QCOMPARE(polled.count(), 3);
+        for (int i = 0; i < 3; ++i) {
+            QCOMPARE(polled.at(i).at(0).toUInt(), uint(order.at(i)));
+            QCOMPARE(unit(i)->count(QStringLiteral("updateAlarmStatus(1)")), 1);
+        }
+
+        // The next pass starts again with the first unit; stopScan ends it.
+        map.startScan();
+        QCOMPARE(polled.last().at(0).toUInt(), uint(order.at(0)));
+        map.stopScan();
+        emit unit(0)->statusUpdated();
+        QCoreApplication::processEvents();
+        QCOMPARE(polled.count(), 4);
+        qDeleteAll(devices);
+    }
+    void scanEndsEarly()
+    {
+        Map map;
+        for (int i = 0; i < 4; ++i) {
+            map.addItem(QModelIndex(), new TestDevice, {});
+            static_cast<TestDevice *>(map.getDevice(i + 1))->finishPollAtOnce = true;
+        }
+        const KeyList order = map.getDeviceIdList();
+        QSignalSpy polled(&map, &Map::updateAlarmFinished);
+
+        // A busy key ends the pass; duplicates are kept and removed one at a time.
+        map.addDeviceKey(order.at(2));
+        map.addDeviceKey(order.at(2));
+        map.removeDeviceKey(order.at(2));
+        map.startScan();
+        QTRY_VERIFY(!map.scanInproccess());
+        QCOMPARE(polled.count(), 2);
+        QVERIFY(static_cast<TestDevice *>(map.getDevice(order.at(3)))->calls.isEmpty());
+
+        // A unit removed during the pass is left out of the rest of it.
+        map.removeDeviceKey(order.at(2));
+        polled.clear();
+        map.startScan();
+        QVERIFY(map.deleteDevice(order.at(1)));
+        QTRY_VERIFY(!map.scanInproccess());
+        QCOMPARE(polled.count(), 3);
+        QCOMPARE(polled.at(1).at(0).toUInt(), uint(order.at(2)));
+        for (unsigned short key : map.getDeviceIdList())
+            delete map.getDevice(key);
+        flushDeletions();
+    }
+    void alarms()
+    {
+        Map map;
+        QVERIFY(map.getAlarmMap().isEmpty());
+        QList<TestDevice *> units {new TestDevice("7"), new TestDevice("7"), new TestDevice("10.1.1.1")};
+        for (TestDevice *unit : units)
+            map.addItem(QModelIndex(), unit, {});
+        units[2]->setAlarmState(Core::ALARM_MAJOR);
+        QCOMPARE(map.getAlarmMap(),
+            (QHash<unsigned short, Core::AlarmType> {
+                {1, Core::ALARM_OK}, {2, Core::ALARM_OK}, {3, Core::ALARM_MAJOR}}));
+        // Exact text only, and only the first unit met in key order of the registry.
+        map.setAlarm(QStringLiteral("007"), Core::ALARM_MINOR);
+        QCOMPARE(units[0]->getAlarmState(), Core::ALARM_OK);
+        map.setAlarm(QStringLiteral("7"), Core::ALARM_MINOR);
+        const KeyList order = map.getDeviceIdList();
+        const unsigned short first = order.indexOf(1) < order.indexOf(2) ? 1 : 2;
+        QCOMPARE(map.getAlarmMap().value(first), Core::ALARM_MINOR);
+        QCOMPARE(map.getAlarmMap().value(first == 1 ? 2 : 1), Core::ALARM_OK);
+        map.setSerialState(1, true);
+        map.setSerialState(4, true);
+        QCOMPARE(units[0]->calls, QStringList {"setSerialState(1)"});
+        qDeleteAll(units);
+    }
+    void metaObjectOrder()
+    {
+        QCOMPARE(methodsOf(Map::staticMetaObject),
+            QString(
+                "request(int,QByteArray) frontpanel(ushort,QString) systemMessage(ushort,QString) "
+                "alarmStateChanged(ushort) settingsChanged(ushort) uiClosed(ushort) serialState(ushort,bool) "
+                "updateAlarmFinished(ushort) activeDeviceCountChanged(uint) | answer(ushort,QByteArray) "
+                "replyError(ushort) startScan() stopScan() disconnectDevice(int) setAddress(int) "
+                "newRequest(int) "
+                "frontPanelChange(int) systemEvent(int) alarmStateEvent(int) settingsChangeEvent(int) "
+                "uiClosedEvent(int) serialStateEvent(int) scanNextItem()"));
+        QCOMPARE(methodsOf(DeviceMapItem::staticMetaObject) + methodsOf(MapSerialise::staticMetaObject),
+            QString());
+    }
+    // Ten thousand units through add, one full pass and removal; the timings of
+    // the same path are measured by the benchmarks.
+    void manyUnits()
+    {
+        constexpr int Units = 10000;
+        Map map;
+        QStandardItem *group = map.addGroup(QModelIndex(), QStringLiteral("All"));
+        for (int i = 0; i < Units; ++i) {
+            auto *device = new TestDevice;
+            device->finishPollAtOnce = true;
+            map.addItem(group->index(), device, {});
+        }
+        QCOMPARE(map.getDeviceCount(), Units);
+
+        QSignalSpy polled(&map, &Map::updateAlarmFinished);
+        map.startScan();
+        for (int round = 0; map.scanInproccess() && round < 10 * Units; ++round)
+            QCoreApplication::processEvents();
+        QCOMPARE(polled.count(), Units);
+
+        // Every other unit one by one from the far end of the tree, then the rest with their group.
+        for (int key = Units; key >= 1; key -= 2)
+            QVERIFY(map.deleteDevice(static_cast<unsigned short>(key)));
+        QCOMPARE(map.remove(group->index()).size(), Units / 2);
+        flushDeletions();
+        QCOMPARE(map.getDeviceCount(), 0);
+    }
+};
 
 QTEST_MAIN(tst_Map)
 #include "tst_map.moc"

@@ -109,11 +109,6 @@ private slots:
             << QStringList {"A.B", "B.A"} << "A#-1{B#0:A.B},B#-1{A#1:B.A}" << 2;
         QTest::newRow("empty segments are skipped")
             << QStringList {"A..B", ".C.", "A.B."} << "A#-1{B#0:A..B},C#1:.C." << 2;
-        QTest::newRow("three levels")
-            << QStringList {"Interfaces.E1.Port 1", "Interfaces.E1.Port 2", "Interfaces.Ethernet"}
-            << "Interfaces#-1{E1#-1{Port 1#0:Interfaces.E1.Port 1,Port 2#1:Interfaces.E1.Port 2},"
-               "Ethernet#2:Interfaces.Ethernet}"
-            << 3;
         QTest::newRow("names compare case-sensitively") << QStringList {"a", "A"} << "a#0:a,A#1:A" << 2;
         QTest::newRow("a leaf may repeat a group's name")
             << QStringList {"A.B.A"} << "A#0:A.B.A{B#-1{A#1:A.B.A}}" << 1;
