@@ -8,6 +8,8 @@
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QTemporaryDir>
 
 namespace {
@@ -50,7 +52,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     FUZZ_CHECK(again.toString() == written);
 
     const QString report = check.compare(tree->path());
-    if (check.getRoot().type == FSItem::File && check.getRoot().children.isEmpty())
+    FSItem parsed;
+    check.restoreFromJson(QJsonDocument::fromJson(raw).object(), parsed);
+    if (parsed.type == FSItem::File && parsed.children.isEmpty())
         FUZZ_CHECK(report.count(QLatin1Char('\n')) <= 1);
     check.compare(tree->filePath(QStringLiteral("missing")));
     return 0;

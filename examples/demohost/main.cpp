@@ -1,7 +1,7 @@
 // The demo host: a small but complete host application of the MuxCore
 // library, with a simulated network of E1 multiplexers behind it.
 //
-//   demohost [--units N] [--seed N] [--offscreen DIR [--seconds S]]
+//   demohost [--units N] [--seed N] [--lang CODE] [--offscreen DIR [--seconds S]]
 //
 // With --offscreen it runs without a display for a few seconds of simulated
 // traffic, writes screenshots of the main window and of one configuration
@@ -12,6 +12,7 @@
 #include <QCommandLineParser>
 #include <QTextStream>
 #include <QTimer>
+#include <QTranslator>
 
 int main(int argc, char **argv)
 {
@@ -42,8 +43,18 @@ int main(int argc, char **argv)
         QStringLiteral("S"), QStringLiteral("4"));
     const QCommandLineOption layout(QStringLiteral("layout"),
         QCoreApplication::translate("main", "File that keeps the topology layout."), QStringLiteral("FILE"));
-    parser.addOptions({units, seed, offscreen, seconds, layout});
+    const QCommandLineOption lang(QStringLiteral("lang"),
+        QCoreApplication::translate("main", "Language of the library's texts (default: the system's)."),
+        QStringLiteral("CODE"));
+    parser.addOptions({units, seed, offscreen, seconds, layout, lang});
     parser.process(app);
+
+    // Before any window exists: the library fills its dictionaries once, in the language then in force.
+    QTranslator translator;
+    const QLocale locale = parser.isSet(lang) ? QLocale(parser.value(lang)) : QLocale();
+    if (translator.load(
+            locale, QStringLiteral("muxcore"), QStringLiteral("_"), QStringLiteral(":/translations")))
+        QCoreApplication::installTranslator(&translator);
 
     QTextStream err(stderr);
     bool ok = false;

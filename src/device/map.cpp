@@ -248,7 +248,7 @@ unsigned short Map::insertDevice(
     }
     connectDevice(mapItem);
     devices.insert(key, mapItem);
-    registeredDevices.insert(device);
+    registeredDevices.insert(device, key);
 
     refreshScanList();
     emit activeDeviceCountChanged(static_cast<unsigned int>(devices.size()));
@@ -450,6 +450,30 @@ void Map::deletePendingRemoval()
     refreshScanList();
 }
 
+// A host's parent object may delete a unit while the map still holds it: the
+// unit then leaves as on removal. Only its QObject part is left by now, so
+// the binding is cleared first and nothing treats it as a descriptor.
+void Map::forgetDevice(QObject *device)
+{
+    const auto found = registeredDevices.constFind(device);
+    if (found == registeredDevices.constEnd())
+        return;
+    const unsigned short key = found.value();
+    registeredDevices.erase(found);
+    DeviceMapItem *item = devices.value(key);
+    if (!item)
+        return;
+    item->setDescriptor(nullptr);
+    if (deleteDevice(key) || devices.value(key) != item)
+        return;
+    // No unit row answers to the key (0, or 65535 behind a group): the unit
+    // still leaves the registry and the scan.
+    devices.remove(key);
+    item->deleteLater();
+    refreshScanList();
+    emit activeDeviceCountChanged(static_cast<unsigned int>(devices.size()));
+}
+
 void Map::connectDevice(DeviceMapItem *item)
 {
     DeviceDescriptor *device = item ? item->getDescriptor() : nullptr;
@@ -470,6 +494,8 @@ void Map::connectDevice(DeviceMapItem *item)
     connect(device, &DeviceDescriptor::uiClosed, uiClosedMapper, map, Qt::QueuedConnection);
     connect(device, &DeviceDescriptor::serialState, serialStateMapper, map, Qt::QueuedConnection);
     connect(device, &DeviceDescriptor::statusUpdated, this, &Map::scanNextItem, Qt::QueuedConnection);
+    // Direct: the unit must be out of the registry before the pointer dangles.
+    connect(device, &QObject::destroyed, this, &Map::forgetDevice);
 }
 
 void Map::disconnectDevice(int id)
@@ -485,6 +511,7 @@ void Map::disconnectDevice(int id)
         // all its senders: with thousands of units that adds up.
         disconnect(device, &QObject::destroyed, mapper, nullptr);
     }
+    disconnect(device, &QObject::destroyed, this, &Map::forgetDevice);
 
     // The address check stays connected: the descriptor is deleted right after.
     const auto map = qOverload<>(&QSignalMapper::map);

@@ -4,12 +4,16 @@
 #include "memory/memorymap.h"
 #include "muxcore_export.h"
 
-// The unit's connection settings. It never has a parent: the one given is
-// ignored, so its owner deletes it explicitly.
+/**
+ * A unit's connection settings.
+ *
+ * It never has a parent: the one given is ignored, so its owner deletes it explicitly.
+ */
 class MUXCORE_EXPORT ConnectMemoryMap : public MemoryMap
 {
     Q_OBJECT
 public:
+    /// An empty map without parent, whatever @p parent is.
     explicit ConnectMemoryMap(QObject *parent = nullptr);
 };
 

@@ -12,33 +12,59 @@
 
 class BaseRawType;
 
-// A named set of items that together cover one memory area of a unit, moved
-// in and out as a whole: byte images, SNMP variable sets and JSON. Items are
-// visited in no defined order and the first failing item stops the walk.
+/**
+ * A named set of items that together cover one memory area of a unit, moved
+ * in and out as a whole: byte images, SNMP variable sets and JSON.
+ *
+ * A device model fills the map once with its items; the map owns and deletes
+ * them. Items are visited in no defined order and the first failing item
+ * stops a walk: the items visited before keep what they did.
+ */
 class MUXCORE_EXPORT MemoryMap : public QObject
 {
     Q_OBJECT
 public:
+    /// An empty map.
     explicit MemoryMap(QObject *parent = nullptr);
+    /// Deletes every item.
     ~MemoryMap() override;
 
-    // Takes ownership; an item already stored under the name is destroyed.
-    // A null item, or one the map already holds under another name, is refused.
+    /**
+     * Stores @p item under @p name and takes ownership of it.
+     *
+     * An item already stored under the name is destroyed. A null item, or one
+     * the map already holds under another name, is refused.
+     */
     void addItem(QString name, BaseRawType *item);
+    /// The item stored under @p name; null when there is none.
     BaseRawType *getItem(QString name);
+    /// Whether an item is stored under @p name.
     bool contains(QString name);
 
+    /// Fills every item from a memory image (BaseRawType::readData()); false when the image is too short for
+    /// an item.
     bool loadData(QByteArray *image);
+    /// Writes every item into a memory image, which is never grown; false when it is too short for an item.
     bool saveData(QByteArray *image);
-    // The received variables also count as sent, so that they are not sent
-    // back unchanged.
+    /**
+     * Gives every item its variables from a received set and puts the items in SNMP mode.
+     *
+     * The received variables also count as sent, so that they are not sent back unchanged.
+     */
     bool loadData(QHash<QString, QVariant> *variables);
-    // Adds only the variables that changed since last received or sent.
+    /// Adds to @p toSend only the variables that changed since last received or sent.
     bool saveData(QHash<QString, QVariant> *toSend);
 
-    // The item values as an indented JSON document.
+    /**
+     * The item values as an indented JSON document.
+     *
+     * The library's items all write under one key (BaseRawType::name), so of
+     * several scalar items only one value survives: keep one scalar per map
+     * you serialise.
+     */
     QByteArray serialise();
-    // Text that does not parse as a JSON object restores from an empty object.
+    /// Restores the item values from serialise() text; text that does not parse restores from an empty
+    /// object.
     bool deserialise(const QByteArray &text);
 
 private:

@@ -4,17 +4,23 @@
 #include "memory/baserawtype.h"
 #include "muxcore_export.h"
 
-// An array of 16-bit little-endian words on the byte copy. The owner sets the count or the
-// dimensions; elements past 255 are reached through getInteger/setInteger.
+/**
+ * An array of 16-bit little-endian words on the byte copy only.
+ *
+ * The owner sets the count or the dimensions. Indices are single bytes:
+ * elements past 255 are reached through getInteger() and setInteger().
+ */
 class MUXCORE_EXPORT U16Array : public BaseRawType
 {
 public:
+    /// Item size 2; the count is left to the owner.
     U16Array();
+    /// Frees the item.
     ~U16Array() override;
 
-    // Grows the copy when the element lies past its end.
+    /// Writes element @p index; grows the copy when it lies past its end.
     void set(unsigned char index, unsigned short value);
-    // 0 past the end of the copy.
+    /// Element @p index; 0 past the end of the copy.
     unsigned short get(unsigned char index);
 };
 

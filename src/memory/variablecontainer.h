@@ -8,36 +8,47 @@
 #include <QString>
 #include <QVariant>
 
-// Named values and named tables of values for a device model. Table rows
-// and columns are keys, not positions: any int, and tables may be sparse.
+/**
+ * Named values and named tables of values for a device model.
+ *
+ * Table rows and columns are keys, not positions: any int, and tables may be
+ * sparse. Reads never insert.
+ */
 class MUXCORE_EXPORT VariableContainer
 {
 public:
+    /// One table, copied by value.
     struct TableItem
     {
+        /// The table's name; addTable() stores it under this.
         QString name;
-        // Row number to (column number to value).
+        /// Row number to (column number to value).
         QHash<int, QHash<int, QVariant>> cells;
-        // Kept for the device model; the container only copies them.
+        /// Kept for the device model; the container only copies it.
         QHash<QString, int> firstNameIndex;
+        /// Kept for the device model, as the first.
         QHash<QString, int> secondNameIndex;
     };
 
+    /// An empty container.
     VariableContainer();
 
-    // Inserts or replaces.
+    /// Stores a variable, inserting or replacing it.
     void setValue(QString name, QVariant value);
-    // Invalid when there is no such variable.
+    /// A variable's value; invalid when there is no such variable.
     QVariant getValue(QString name);
+    /// Whether a variable of that name exists.
     bool hasVariable(QString &name);
+    /// The names of all variables, in no particular order.
     QList<QString> getValiableList();
 
-    // Replaces a table of the same name whole.
+    /// Stores a copy of a table under its name, replacing a table of the same name whole.
     void addTable(VariableContainer::TableItem item);
+    /// The names of all tables, in no particular order.
     QList<QString> getTableList();
-    // Invalid when the table, row or column is missing; a read never inserts.
+    /// A cell's value; invalid when the table, row or column is missing.
     QVariant getValue(QString table, int row, int column);
-    // Creates the table (with an empty name field), row and cell as needed.
+    /// Stores a cell, creating the table (with an empty name field), row and cell as needed.
     void setValue(QString table, int row, int column, QVariant value);
 
 private:

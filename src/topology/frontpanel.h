@@ -14,58 +14,77 @@
 
 class QPainter;
 
-// One positioned element of a front-panel description, as parsed.
+/// One positioned element of a front-panel description, as parsed.
 struct MUXCORE_EXPORT FrontPanelElement
 {
-    int kind = 0;
-    qreal x = 0; // pixels: description units × scale
-    qreal y = 0;
-    QStringList parameters;
+    int kind = 0; ///< A FrontPanel::ElementKind value.
+    qreal x = 0; ///< Pixels: description units × FrontPanel::scale.
+    qreal y = 0; ///< Pixels: description units × FrontPanel::scale.
+    QStringList parameters; ///< The comma-separated values after the colon.
 };
 
-// The picture of a unit's front panel, described by the host in a small
-// text language ("dimension: 10x4; 9x1(led): 0,255,0; tooltip: ...").
-// Parsed once when a description arrives; painting only walks the elements,
-// so the twice-a-second alarm repaints stay cheap.
+/**
+ * The picture of a unit's front panel, described by the host in a small
+ * text language.
+ *
+ * A description is a ";"-separated list: first "dimension: WxH" in units of
+ * #scale pixels, then elements "XxY(keyword): parameters" and an optional
+ * "tooltip: text", for example
+ * "dimension: 10x4; 9x1(led): 0,255,0; tooltip: Unit A".
+ * Keywords are case-sensitive (see #ElementKind).
+ *
+ * Parsed once when a description arrives; painting only walks the elements,
+ * so the twice-a-second alarm repaints stay cheap.
+ */
 class MUXCORE_EXPORT FrontPanel
 {
 public:
+    /// The element kinds, with their keywords.
     enum ElementKind {
-        Text = 0,
-        Interface = 1,
-        Alarm = 2,
-        Led = 3,
-        Db9 = 4,
-        Db25 = 5,
-        Rj45 = 6,
-        Rj11 = 7,
-        Sfp = 8,
-        Ofm = 9,
-        LedMatrix = 10,
-        Background = 11,
-        ProgressBar = 12,
-        ToolTip = 13
+        Text = 0, ///< "text": a text label.
+        Interface = 1, ///< "interf": an interface picture (serial or Ethernet).
+        Alarm = 2, ///< "alarm": an alarm lamp.
+        Led = 3, ///< "led": a small LED.
+        Db9 = 4, ///< "db9": a 9-pin D-sub connector.
+        Db25 = 5, ///< "db25": a 25-pin D-sub connector.
+        Rj45 = 6, ///< "rj45": an RJ-45 jack with two LEDs.
+        Rj11 = 7, ///< "rj11": an RJ-11 jack.
+        Sfp = 8, ///< "sfp": an SFP cage.
+        Ofm = 9, ///< "ofm": an optical connector.
+        LedMatrix = 10, ///< "ledmat": a column of four LEDs.
+        Background = 11, ///< "background": a coloured strip.
+        ProgressBar = 12, ///< "progressbar": a level bar.
+        ToolTip = 13 ///< "tooltip": the item's tooltip text, not painted.
     };
 
-    static constexpr int scale = 20; // pixels per description unit
+    static constexpr int scale = 20; ///< Pixels per description unit.
 
+    /// An empty 10 × 4 panel.
     FrontPanel();
 
-    // Replaces the content. On a bad size entry the panel keeps its previous
-    // rectangle, holds no elements and false is returned; bad element entries
-    // are skipped one by one.
+    /**
+     * Replaces the content with a parsed description.
+     *
+     * On a bad size entry the panel keeps its previous rectangle, holds no
+     * elements and false is returned; bad element entries are skipped one by one.
+     */
     bool parse(const QString &description);
 
+    /// The panel rectangle in pixels, at the origin.
     QRectF getDimensionRect() const { return dimensionRect; }
+    /// The tooltip text, as written after "tooltip:".
     QString getToolTip() const { return toolTip; }
+    /// Width in description units.
     int getWidth() const { return width; }
+    /// Height in description units.
     int getHeight() const { return height; }
+    /// The painted elements, in description order.
     QList<FrontPanelElement> getElements() const { return elements; }
 
-    // Paints every element in description order, in item coordinates.
+    /// Paints every element in description order, in item coordinates.
     void paint(QPainter *painter) const;
 
-    // Keyword to element kind; case-sensitive. -1 for an unknown keyword.
+    /// Keyword to element kind; case-sensitive. -1 for an unknown keyword.
     static int kindOf(const QString &keyword);
 
 private:

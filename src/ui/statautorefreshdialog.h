@@ -9,16 +9,19 @@ namespace Ui {
 class StatAutoRefreshDialog;
 }
 
-// Asks for the statistics refresh period, 1 to 120 seconds.
+/// Asks for the statistics refresh period, 1 to 120 seconds.
 class MUXCORE_EXPORT StatAutoRefreshDialog : public QDialog
 {
     Q_OBJECT
 public:
+    /// A dialog with the period at 1 second.
     explicit StatAutoRefreshDialog(QWidget *parent = nullptr);
+    /// Frees the form.
     ~StatAutoRefreshDialog() override;
 
-    // Values outside 1 to 120 are clamped.
+    /// Sets the period in seconds; values outside 1 to 120 are clamped.
     void setPeriod(int seconds);
+    /// The period in seconds, 1 to 120.
     int getPeriod() const;
 
 private:

@@ -1,10 +1,11 @@
 // A host as small as it gets: links the installed library and uses its
-// vocabulary, conversions and icon bundle.
+// vocabulary, conversions, icon bundle and embedded translations.
 #include <core/convert.h>
 #include <core/core.h>
 
 #include <QGuiApplication>
 #include <QIcon>
+#include <QTranslator>
 
 int main(int argc, char **argv)
 {
@@ -15,5 +16,9 @@ int main(int argc, char **argv)
         return 2;
     if (QIcon(QStringLiteral("://images/no_icon.png")).isNull())
         return 3;
+    QTranslator german;
+    if (!german.load(QStringLiteral(":/translations/muxcore_de.qm"))
+        || german.translate("Core", "Deny") != QLatin1String("Kein Zugriff"))
+        return 4;
     return 0;
 }

@@ -7,6 +7,7 @@
 #include <device/map.h>
 
 #include <QPointer>
+#include <QScopedPointer>
 #include <QStandardItemModel>
 #include <QtTest>
 
@@ -41,23 +42,30 @@ void tst_MapFaults::removedWhileTrafficQueued_data()
 {
     QTest::addColumn<QString>("queued");
     QTest::addColumn<bool>("deleteAtOnce");
+    // Deleted by its Qt parent behind the map's back rather than removed.
+    QTest::addColumn<bool>("byOwner");
 
-    QTest::newRow("answer") << "answer" << false;
-    QTest::newRow("error") << "error" << false;
-    QTest::newRow("request relay") << "request" << false;
-    QTest::newRow("status report") << "status" << false;
-    QTest::newRow("answer, deletion flushed first") << "answer" << true;
-    QTest::newRow("request, deletion flushed first") << "request" << true;
-    QTest::newRow("status, deletion flushed first") << "status" << true;
+    QTest::newRow("answer") << "answer" << false << false;
+    QTest::newRow("error") << "error" << false << false;
+    QTest::newRow("request relay") << "request" << false << false;
+    QTest::newRow("status report") << "status" << false << false;
+    QTest::newRow("answer, deletion flushed first") << "answer" << true << false;
+    QTest::newRow("request, deletion flushed first") << "request" << true << false;
+    QTest::newRow("status, deletion flushed first") << "status" << true << false;
+    QTest::newRow("answer, owner deleted") << "answer" << false << true;
+    QTest::newRow("request, owner deleted") << "request" << false << true;
+    QTest::newRow("status, owner deleted") << "status" << false << true;
 }
 
 void tst_MapFaults::removedWhileTrafficQueued()
 {
     QFETCH(QString, queued);
     QFETCH(bool, deleteAtOnce);
+    QFETCH(bool, byOwner);
 
     Map map;
-    QPointer<TestDevice> leaving = new TestDevice;
+    QScopedPointer<QObject> owner(new QObject);
+    QPointer<TestDevice> leaving = new TestDevice(QString(), owner.get());
     auto *staying = new TestDevice;
     const unsigned short key = map.addItem(QModelIndex(), leaving, {});
     const unsigned short otherKey = map.addItem(QModelIndex(), staying, {});
@@ -76,14 +84,18 @@ void tst_MapFaults::removedWhileTrafficQueued()
         emit leaving->statusUpdated();
     map.answer(otherKey, "on time");
 
-    QVERIFY(map.deleteDevice(key));
+    if (byOwner)
+        owner.reset();
+    else
+        QVERIFY(map.deleteDevice(key));
     if (deleteAtOnce)
         flushDeletions();
     QCoreApplication::processEvents();
     flushDeletions();
 
     QVERIFY(!leaving);
-    QVERIFY(!map.contains(key));
+    QVERIFY(!map.contains(key) && !map.getDevice(key));
+    QCOMPARE(map.getModel()->rowCount(), 1);
     QCOMPARE(requests.count(), 0);
     QCOMPARE(staying->answers, QList<QByteArray> {"on time"});
     // A status report already queued still moves the pass on; it never
@@ -91,6 +103,7 @@ void tst_MapFaults::removedWhileTrafficQueued()
     QVERIFY(polled.count() <= pollsAtStart + 1);
     for (int i = pollsAtStart; i < polled.count(); ++i)
         QVERIFY(polled.at(i).at(0).toUInt() != key);
+    map.startScan();
     map.stopScan();
     delete staying;
 }

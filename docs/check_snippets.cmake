@@ -1,0 +1,67 @@
+# Fails when a code block of the guide, the main page or the README differs from the source region it
+# is copied from. A block is announced by a comment naming the file and the
+# region, <!-- snippet: examples/guide/firstunit.cpp#scene -->, and the region
+# lies between two marker lines "//! [scene]" (or "#! [scene]") in that file.
+#   cmake -DSOURCE_DIR=... -P check_snippets.cmake
+cmake_minimum_required(VERSION 3.16)
+
+# The text between the two marker lines of a region, without the indentation
+# of its first line.
+function(read_region path name out)
+    file(READ ${SOURCE_DIR}/${path} source)
+    string(FIND "${source}" "! [${name}]\n" first)
+    if(first EQUAL -1)
+        message(SEND_ERROR "${path}: no region ${name}")
+        return()
+    endif()
+    string(SUBSTRING "${source}" ${first} -1 source)
+    string(FIND "${source}" "\n" eol)
+    math(EXPR eol "${eol} + 1")
+    string(SUBSTRING "${source}" ${eol} -1 source)
+    string(FIND "${source}" "! [${name}]" last)
+    if(last EQUAL -1)
+        message(SEND_ERROR "${path}: region ${name} is not closed")
+        return()
+    endif()
+    string(SUBSTRING "${source}" 0 ${last} region)
+    string(FIND "${region}" "\n" eol REVERSE)
+    math(EXPR eol "${eol} + 1")
+    string(SUBSTRING "${region}" 0 ${eol} region)
+    string(REGEX MATCH "^ +" indent "${region}")
+    if(indent)
+        string(REPLACE "\n${indent}" "\n" region "\n${region}")
+        string(SUBSTRING "${region}" 1 -1 region)
+    endif()
+    set(${out} "${region}" PARENT_SCOPE)
+endfunction()
+
+set(count 0)
+foreach(page docs/guide.md docs/mainpage.md README.md)
+    file(READ ${SOURCE_DIR}/${page} guide)
+    string(REGEX MATCHALL "<!-- snippet: [^ ]+ -->" references "${guide}")
+    foreach(reference IN LISTS references)
+        string(REGEX REPLACE "<!-- snippet: ([^#]+)#(.+) -->" "\\1" path "${reference}")
+        string(REGEX REPLACE "<!-- snippet: ([^#]+)#(.+) -->" "\\2" name "${reference}")
+        read_region(${path} ${name} region)
+
+        string(FIND "${guide}" "${reference}" at)
+        string(SUBSTRING "${guide}" ${at} -1 rest)
+        string(FIND "${rest}" "```" open)
+        string(SUBSTRING "${rest}" ${open} -1 rest)
+        string(FIND "${rest}" "\n" eol)
+        math(EXPR eol "${eol} + 1")
+        string(SUBSTRING "${rest}" ${eol} -1 rest)
+        string(FIND "${rest}" "```" close)
+        string(SUBSTRING "${rest}" 0 ${close} block)
+
+        if(NOT block STREQUAL region)
+            message(SEND_ERROR "${page}: the block of ${path}#${name} differs from its source:\n"
+                               "--- page\n${block}--- source\n${region}---")
+        endif()
+        math(EXPR count "${count} + 1")
+    endforeach()
+endforeach()
+if(count EQUAL 0)
+    message(FATAL_ERROR "no snippets announced: the check itself is broken")
+endif()
+message(STATUS "${count} snippets checked")
