@@ -11,9 +11,12 @@
 #include <memory/u8item.h>
 
 #include <QHash>
+#include <QLoggingCategory>
 #include <QVariant>
 
 #include <cstring>
+#include <memory>
+#include <vector>
 
 namespace {
 
@@ -118,6 +121,35 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     Variables second;
     FUZZ_CHECK(item.writeData(&second, lastSent));
     FUZZ_CHECK(second.isEmpty());
+
+    // Addresses taken from the input, lying within one another, in one map
+    // matched in one pass against twins that each read the set alone.
+    {
+        static const bool quiet = [] {
+            QLoggingCategory::setFilterRules(QStringLiteral("muxcore.memory.warning=false"));
+            return true;
+        }();
+        Q_UNUSED(quiet)
+        const QString addresses[] = {prefix, prefix.left(prefix.size() / 2), prefix.mid(1), prefix, name,
+            QString(), enterprise, QStringLiteral("1")};
+        MemoryMap shared;
+        std::vector<std::unique_ptr<BaseRawType>> alone;
+        for (const QString &address : addresses) {
+            auto *twin = new BaseRawType;
+            twin->setStartAddress(address);
+            shared.addItem(QString::number(int(alone.size())), twin);
+            alone.emplace_back(new BaseRawType);
+            alone.back()->setStartAddress(address);
+        }
+        FUZZ_CHECK(shared.loadData(&variables));
+        for (size_t i = 0; i < alone.size(); ++i) {
+            FUZZ_CHECK(alone[i]->readData(&variables));
+            const Variables &mine = shared.getItem(QString::number(int(i)))->getSnmpData();
+            FUZZ_CHECK(mine.size() == alone[i]->getSnmpData().size());
+            for (auto it = mine.cbegin(); it != mine.cend(); ++it)
+                FUZZ_CHECK(alone[i]->getSnmpData().contains(it.key()));
+        }
+    }
 
     // The items of a device model's status map, in SNMP mode.
     MemoryMap map;

@@ -532,6 +532,140 @@
     </message>
 </context>
 <context>
+    <name>SnmpClient</name>
+    <message>
+        <location filename="../src/snmp/snmpclient.cpp" line="+113"/>
+        <source>A version 3 target needs a user.</source>
+        <translation>Ein Ziel der Version 3 braucht einen Benutzer.</translation>
+    </message>
+    <message>
+        <location line="+2"/>
+        <source>Privacy needs an authentication protocol.</source>
+        <translation>Verschlüsselung setzt ein Authentifizierungsprotokoll voraus.</translation>
+    </message>
+    <message>
+        <location line="+3"/>
+        <source>A passphrase must have at least 8 characters.</source>
+        <translation>Eine Passphrase muss mindestens 8 Zeichen haben.</translation>
+    </message>
+    <message>
+        <location line="+11"/>
+        <source>The target has no address.</source>
+        <translation>Das Ziel hat keine Adresse.</translation>
+    </message>
+    <message>
+        <location line="+4"/>
+        <source>The target&apos;s timeout or retries are out of range.</source>
+        <translation>Zeitlimit oder Wiederholungen des Ziels liegen außerhalb des zulässigen Bereichs.</translation>
+    </message>
+    <message>
+        <location line="+69"/>
+        <source>Cannot open a session to %1 port %2: %3</source>
+        <translation>Keine Sitzung zu %1 Port %2 möglich: %3</translation>
+    </message>
+    <message>
+        <location line="+72"/>
+        <source>Cannot send to %1 port %2: %3</source>
+        <translation>Senden an %1 Port %2 nicht möglich: %3</translation>
+    </message>
+    <message>
+        <location line="+72"/>
+        <source>No answer from %1 port %2.</source>
+        <translation>Keine Antwort von %1 Port %2.</translation>
+    </message>
+    <message>
+        <location line="+1"/>
+        <source>The agent at %1 port %2 did not name its engine.</source>
+        <translation>Der Agent unter %1 Port %2 hat seine Engine-ID nicht genannt.</translation>
+    </message>
+    <message>
+        <location line="+19"/>
+        <source>No answer from %1 port %2 within %3 ms.</source>
+        <translation>Keine Antwort von %1 Port %2 innerhalb von %3 ms.</translation>
+    </message>
+    <message>
+        <location line="+6"/>
+        <source>The exchange with %1 port %2 broke off.</source>
+        <translation>Der Austausch mit %1 Port %2 wurde abgebrochen.</translation>
+    </message>
+    <message>
+        <location line="+15"/>
+        <source>The agent refused the request: %1</source>
+        <translation>Der Agent hat die Anfrage abgelehnt: %1</translation>
+    </message>
+    <message>
+        <location line="+19"/>
+        <source>%1 (variable %2, %3)</source>
+        <translation>%1 (Variable %2, %3)</translation>
+    </message>
+    <message>
+        <location line="+22"/>
+        <source>The agent answered %1 after %2.</source>
+        <translation>Der Agent hat nach %2 mit %1 geantwortet.</translation>
+    </message>
+    <message>
+        <location line="+13"/>
+        <source>The answer holds more than %1 variables.</source>
+        <translation>Die Antwort enthält mehr als %1 Variablen.</translation>
+    </message>
+    <message>
+        <location line="+159"/>
+        <source>No OIDs to read.</source>
+        <translation>Keine OIDs zum Lesen.</translation>
+    </message>
+    <message>
+        <location line="+8"/>
+        <location line="+12"/>
+        <location line="+19"/>
+        <source>&quot;%1&quot; is not an OID.</source>
+        <translation>„%1“ ist keine OID.</translation>
+    </message>
+    <message>
+        <location line="-8"/>
+        <source>No variables to write.</source>
+        <translation>Keine Variablen zum Schreiben.</translation>
+    </message>
+    <message>
+        <location line="+11"/>
+        <source>The value of %1 has no SNMP type.</source>
+        <translation>Der Wert von %1 hat keinen SNMP-Typ.</translation>
+    </message>
+</context>
+<context>
+    <name>SnmpTrapReceiver</name>
+    <message>
+        <location filename="../src/snmp/snmptrapreceiver.cpp" line="+151"/>
+        <location line="+11"/>
+        <source>Cannot listen on %1 port %2.</source>
+        <translation>Empfang auf %1 Port %2 nicht möglich.</translation>
+    </message>
+    <message>
+        <location line="+48"/>
+        <source>&quot;%1&quot; is not an engine id.</source>
+        <translation>„%1“ ist keine Engine-ID.</translation>
+    </message>
+    <message>
+        <location line="+2"/>
+        <source>&quot;%1&quot; is not a user name.</source>
+        <translation>„%1“ ist kein Benutzername.</translation>
+    </message>
+    <message>
+        <location line="+3"/>
+        <source>A passphrase must have at least 8 characters and no blanks or quotes.</source>
+        <translation>Eine Passphrase muss mindestens 8 Zeichen haben und darf keine Leerzeichen oder Anführungszeichen enthalten.</translation>
+    </message>
+    <message>
+        <location line="+2"/>
+        <source>Privacy needs an authentication protocol.</source>
+        <translation>Verschlüsselung setzt ein Authentifizierungsprotokoll voraus.</translation>
+    </message>
+    <message>
+        <location line="+19"/>
+        <source>net-snmp refused the user %1.</source>
+        <translation>net-snmp hat den Benutzer %1 abgelehnt.</translation>
+    </message>
+</context>
+<context>
     <name>StatAutoRefreshDialog</name>
     <message>
         <location filename="../src/ui/statautorefreshdialog.ui" line="+14"/>

@@ -50,6 +50,13 @@ template<typename Item> Item *makeItem(unsigned int start, unsigned int count, c
     return item;
 }
 
+// An item in SNMP mode holds the variables the unit last delivered, not bytes
+// of its memory image; every accessor reads whichever the item holds.
+bool holdsVariables(BaseRawType *item)
+{
+    return item->getMode() == 1;
+}
+
 // Text for a front-panel parameter: commas and semicolons belong to the description language.
 QString panelText(QString text)
 {
@@ -165,10 +172,10 @@ QByteArray DemoUnit::encode(const Operation &operation)
     QDataStream out(&bytes, QIODevice::WriteOnly);
     switch (operation.kind) {
     case ReadConfig:
-        out << quint8(SnmpGet) << productArc() + QStringLiteral(".2.");
+        out << quint8(SnmpGet) << productArc() + QStringLiteral(".2");
         break;
     case ReadStatus:
-        out << quint8(SnmpGet) << QString();
+        out << quint8(SnmpGet) << enterpriseArc();
         break;
     case WriteConfig: {
         QHash<QString, QVariant> toSend;
@@ -586,7 +593,7 @@ void DemoUnit::setSerialState(bool state)
 bool DemoUnit::portFlag(int port, unsigned char bit, const char *column)
 {
     BaseRawType *ports = configItem(itemPorts);
-    if (!isSnmp() || ports->getMode() == 0)
+    if (!holdsVariables(ports))
         return ports->getBit(static_cast<unsigned int>(port), bit);
     const int value = ports->getValue(QLatin1String(column), port).toInt();
     // The line code column is an enumeration (1 HDB3, 2 AMI), the others truth values.
@@ -596,7 +603,7 @@ bool DemoUnit::portFlag(int port, unsigned char bit, const char *column)
 void DemoUnit::setPortFlag(int port, unsigned char bit, const char *column, bool on)
 {
     BaseRawType *ports = configItem(itemPorts);
-    if (!isSnmp() || ports->getMode() == 0) {
+    if (!holdsVariables(ports)) {
         ports->setBit(static_cast<unsigned int>(port), bit, on);
         return;
     }
@@ -634,21 +641,25 @@ namespace {
 // An address item holds four bytes in memory and dotted text over SNMP.
 QString addressOf(BaseRawType *item)
 {
-    if (item->getMode() == 1)
+    if (holdsVariables(item))
         return item->getValue(QString()).toString();
     const QByteArray &bytes = item->getLocalCopy();
     return Convert::ipToString(byteString(bytes));
 }
 
-void setAddressOf(BaseRawType *item, const QString &text)
+// False, changing nothing, for text that is not a valid address of its kind.
+bool setAddressOf(BaseRawType *item, const QString &text, bool valid)
 {
-    if (item->getMode() == 1) {
+    if (!valid)
+        return false;
+    if (holdsVariables(item)) {
         item->setValue(QString(), text);
-        return;
+        return true;
     }
     const QString bytes = Convert::stringToIp(text);
     for (int i = 0; i < 4 && i < bytes.size(); ++i)
         item->setInteger(static_cast<unsigned int>(i), 0, 1, bytes.at(i).unicode() & 0xFF);
+    return true;
 }
 
 } // namespace
@@ -660,10 +671,7 @@ QString DemoUnit::ipAddress()
 
 bool DemoUnit::setIpAddress(const QString &text)
 {
-    if (!Convert::validateIP(text))
-        return false;
-    setAddressOf(configItem(itemIp), text);
-    return true;
+    return setAddressOf(configItem(itemIp), text, Convert::validateIP(text));
 }
 
 QString DemoUnit::subnetMask()
@@ -673,16 +681,13 @@ QString DemoUnit::subnetMask()
 
 bool DemoUnit::setSubnetMask(const QString &text)
 {
-    if (!Convert::validateSubnetMask(text))
-        return false;
-    setAddressOf(configItem(itemMask), text);
-    return true;
+    return setAddressOf(configItem(itemMask), text, Convert::validateSubnetMask(text));
 }
 
 QString DemoUnit::label()
 {
     BaseRawType *item = configItem(itemLabel);
-    if (item->getMode() == 1)
+    if (holdsVariables(item))
         return item->getValue(QString()).toString();
     const QByteArray &bytes = item->getLocalCopy();
     return paddedText(bytes);
@@ -692,7 +697,7 @@ void DemoUnit::setLabel(const QString &text)
 {
     BaseRawType *item = configItem(itemLabel);
     const QString cut = text.left(cfgLabelSize);
-    if (item->getMode() == 1) {
+    if (holdsVariables(item)) {
         item->setValue(QString(), cut);
         return;
     }
@@ -705,7 +710,7 @@ void DemoUnit::setLabel(const QString &text)
 UnitLayout::PortState DemoUnit::portState(int port)
 {
     BaseRawType *item = statusItem(itemPortState);
-    const int state = item->getMode() == 1
+    const int state = holdsVariables(item)
         ? item->getValue(QLatin1String(colPortState), port).toInt() - 1
         : static_cast<int>(item->getBits(static_cast<unsigned int>(port), 0, 7));
     return state >= PortDisabled && state <= PortAis ? static_cast<PortState>(state) : PortDisabled;
@@ -714,7 +719,7 @@ UnitLayout::PortState DemoUnit::portState(int port)
 bool DemoUnit::portActivity(int port)
 {
     BaseRawType *item = statusItem(itemPortState);
-    if (item->getMode() == 1)
+    if (holdsVariables(item))
         return Convert::intToBool(item->getValue(QLatin1String(colPortActivity), port).toInt());
     return item->getBit(static_cast<unsigned int>(port), portActivityBit);
 }
@@ -739,7 +744,7 @@ unsigned short DemoUnit::unitFirmware()
 QDateTime DemoUnit::unitClock()
 {
     BaseRawType *item = statusItem(itemClock);
-    if (item->getMode() == 1)
+    if (holdsVariables(item))
         return Convert::strToDate(item->getValue().toString());
     const QByteArray &bytes = item->getLocalCopy();
     return Convert::strToDate(byteString(bytes));
@@ -750,7 +755,7 @@ Core::AlarmType DemoUnit::alarmFromStatus()
     BaseRawType *alarms = statusItem(itemAlarms);
     unsigned int lines = 0;
     unsigned int unit = 0;
-    if (alarms->getMode() == 1) {
+    if (holdsVariables(alarms)) {
         lines = alarms->getValue(QStringLiteral("1")).toUInt();
         unit = alarms->getValue(QStringLiteral("2")).toUInt();
     } else {

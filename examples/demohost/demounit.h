@@ -28,8 +28,8 @@ class DemoUnit : public DeviceDescriptor
 {
     Q_OBJECT
 public:
-    // A unit reached over the serial line (a bus address such as "3") or over
-    // SNMP v1 (its IP address).
+    // A unit reached over a serial line (a bus address or a device path) or
+    // over SNMP (its agent's address).
     DemoUnit(Core::InterfaceProtocolType protocol, const QString &address, unsigned short firmware,
         QObject *parent = nullptr);
     ~DemoUnit() override;

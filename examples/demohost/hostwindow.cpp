@@ -1,7 +1,10 @@
 #include "hostwindow.h"
 
+#include "agentprocess.h"
 #include "demounit.h"
+#include "serialtransport.h"
 #include "simulatedunit.h"
+#include "snmptransport.h"
 #include "unitwindow.h"
 
 #include <device/map.h>
@@ -40,8 +43,6 @@
 namespace {
 
 constexpr int unitsPerSite = 4;
-// The map tree keeps a unit's key under this role, and -1 for a group.
-constexpr int itemKeyRole = Qt::UserRole + 1;
 
 QString siteName(int site)
 {
@@ -49,15 +50,20 @@ QString siteName(int site)
                      : HostWindow::tr("Site %1").arg(site + 1);
 }
 
-// Serial units answer to a bus address, SNMP units to an address from the
-// documentation networks.
-QString addressFor(int index, bool snmp)
+// Simulated serial units answer to a bus address, SNMP units to their IP address.
+QString simulatedAddress(int index)
 {
-    if (!snmp)
-        return QString::number(index / 2 + 1);
-    static const char *const networks[] = {"192.0.2", "198.51.100", "203.0.113"};
-    const int n = index / 2;
-    return QStringLiteral("%1.%2").arg(QLatin1String(networks[(n / 240) % 3])).arg(10 + n % 240);
+    return UnitLayout::isSnmpUnit(index) ? UnitLayout::unitIp(index) : QString::number(index / 2 + 1);
+}
+
+Core::InterfaceProtocolType protocolOf(const SnmpTarget &target)
+{
+    return target.version == SnmpTarget::V3 ? Core::IPT_SNMP_V3 : Core::IPT_SNMP_V1;
+}
+
+QString endpointText(const SnmpTarget &target)
+{
+    return QStringLiteral("%1:%2").arg(target.host.toString()).arg(target.port);
 }
 
 QString defaultTopologyFile()
@@ -74,7 +80,6 @@ HostWindow::HostWindow(const Options &options, QWidget *parent)
     , map(new Map(this))
     , topology(new DeviceScene(this))
     , view(nullptr)
-    , transport(new SimulatedNetwork(map, options.network, this))
     , traps(new TrapVisual(this))
     , store(options.topologyFile.isEmpty() ? defaultTopologyFile() : options.topologyFile)
     , scanTimer(new QTimer(this))
@@ -88,25 +93,16 @@ HostWindow::HostWindow(const Options &options, QWidget *parent)
     topology->setSceneRect(0, 0, 2150, 1150);
     buildUi();
 
-    // The map re-emits every unit's notifications with its key. Alarm
-    // changes go to the scene as a whole map, front panels one by one.
-    connect(map, &Map::alarmStateChanged, this, &HostWindow::refreshAlarms);
-    connect(map, &Map::frontpanel, topology, &DeviceScene::setFrontPanel);
-    connect(map, &Map::updateAlarmFinished, this, [this](unsigned short key) {
-        polls[key] += 1;
-        updateStatusLine();
-    });
-    // The transport opens and closes a unit's serial line when the unit asks.
-    connect(map, &Map::serialState, this, [this](unsigned short key, bool on) {
-        transport->setLineOpen(key, on);
-        statusBar()->showMessage(on ? tr("Serial line of %1 opened.").arg(unitName(key))
-                                    : tr("Serial line of %1 closed.").arg(unitName(key)),
-            5000);
-    });
-    connect(map, &Map::uiClosed, this, [this](unsigned short key) {
-        statusBar()->showMessage(tr("Configuration of %1 closed.").arg(unitName(key)), 5000);
-    });
-    connect(transport, &SimulatedNetwork::trap, this, &HostWindow::onTrap);
+    // The transport listens to the map's requests and hands back answers.
+    if (options.simulated) {
+        simulatedNetwork = new SimulatedNetwork(map, options.network, this);
+        connect(simulatedNetwork, &SimulatedNetwork::trap, this, &HostWindow::onTrap);
+    } else {
+        serialLines = new SerialTransport(map, 1000, this);
+        snmpUnits = new SnmpTransport(map, this);
+        connect(snmpUnits, &SnmpTransport::trap, this, &HostWindow::onTrap);
+    }
+    connectMap();
 
     // The scene reports what the user does; the host decides what it means.
     connect(topology, &DeviceScene::doubleClick, this, [this](unsigned short key) {
@@ -128,11 +124,42 @@ HostWindow::~HostWindow()
 {
     if (started)
         saveTopology();
-    // Stop the line first, then the map; the units go with this window.
-    delete transport;
-    transport = nullptr;
+    // Stop the lines first, then the agent, then the map; the units go with this window.
+    delete simulatedNetwork;
+    simulatedNetwork = nullptr;
+    delete serialLines;
+    serialLines = nullptr;
+    delete snmpUnits;
+    snmpUnits = nullptr;
+    delete agent;
+    agent = nullptr;
     delete map;
     map = nullptr;
+}
+
+void HostWindow::connectMap()
+{
+    // The map re-emits every unit's notifications with its key. Alarm
+    // changes go to the scene as a whole map, front panels one by one.
+    connect(map, &Map::alarmStateChanged, this, &HostWindow::refreshAlarms);
+    connect(map, &Map::frontpanel, topology, &DeviceScene::setFrontPanel);
+    connect(map, &Map::updateAlarmFinished, this, [this](unsigned short key) {
+        polls[key] += 1;
+        updateStatusLine();
+    });
+    // The transport opens and closes a unit's serial line when the unit asks.
+    connect(map, &Map::serialState, this, [this](unsigned short key, bool on) {
+        if (simulatedNetwork)
+            simulatedNetwork->setLineOpen(key, on);
+        if (serialLines)
+            serialLines->setLineOpen(key, on);
+        statusBar()->showMessage(on ? tr("Serial line of %1 opened.").arg(unitName(key))
+                                    : tr("Serial line of %1 closed.").arg(unitName(key)),
+            5000);
+    });
+    connect(map, &Map::uiClosed, this, [this](unsigned short key) {
+        statusBar()->showMessage(tr("Configuration of %1 closed.").arg(unitName(key)), 5000);
+    });
 }
 
 QString HostWindow::unitName(unsigned short key) const
@@ -163,6 +190,27 @@ void HostWindow::buildUi()
     view->setDragMode(QGraphicsView::RubberBandDrag);
     view->setToolTip(tr("Ctrl + wheel zooms; double-click a unit to configure it"));
 
+    auto *top = new QSplitter(Qt::Horizontal);
+    top->addWidget(trvDevices);
+    top->addWidget(view);
+    top->setStretchFactor(1, 1);
+    top->setSizes({220, 1060});
+    auto *main = new QSplitter(Qt::Vertical);
+    main->addWidget(top);
+    main->addWidget(buildTrapPanel());
+    main->setStretchFactor(0, 2);
+    main->setStretchFactor(1, 1);
+    main->setSizes({480, 240});
+    setCentralWidget(main);
+
+    lblStatus = new QLabel;
+    lblStatus->setObjectName(QStringLiteral("lblStatus"));
+    statusBar()->addPermanentWidget(lblStatus);
+    buildToolBar();
+}
+
+QWidget *HostWindow::buildTrapPanel()
+{
     // The trap list: the library's model behind a proxy that the view shows.
     tvwTraps = new QTableView;
     tvwTraps->setObjectName(QStringLiteral("tvwTraps"));
@@ -211,23 +259,7 @@ void HostWindow::buildUi()
     trapLayout->addLayout(trapBar);
     trapLayout->addWidget(tvwTraps);
 
-    auto *top = new QSplitter(Qt::Horizontal);
-    top->addWidget(trvDevices);
-    top->addWidget(view);
-    top->setStretchFactor(1, 1);
-    top->setSizes({220, 1060});
-    auto *main = new QSplitter(Qt::Vertical);
-    main->addWidget(top);
-    main->addWidget(trapPanel);
-    main->setStretchFactor(0, 2);
-    main->setStretchFactor(1, 1);
-    main->setSizes({480, 240});
-    setCentralWidget(main);
-
-    lblStatus = new QLabel;
-    lblStatus->setObjectName(QStringLiteral("lblStatus"));
-    statusBar()->addPermanentWidget(lblStatus);
-    buildToolBar();
+    return trapPanel;
 }
 
 void HostWindow::buildToolBar()
@@ -296,47 +328,92 @@ void HostWindow::buildToolBar()
     });
 }
 
-void HostWindow::start()
+bool HostWindow::start()
 {
     if (started)
-        return;
+        return error.isEmpty();
     started = true;
-    addUnits();
+    if (options.simulated)
+        addSimulatedUnits();
+    else if (!addUnitsOnWires())
+        return false;
     placeUnits();
     trvDevices->expandAll();
     pushAlarms();
     startScanPass();
     scanTimer->start(options.scanPeriodMs);
+    return true;
 }
 
-void HostWindow::addUnits()
+unsigned short HostWindow::addUnit(int index, Core::InterfaceProtocolType protocol, const QString &address)
+{
+    if (index % unitsPerSite == 0 || !site.isValid())
+        site = map->addGroup(QModelIndex(), siteName(index / unitsPerSite))->index();
+    auto *device = new DemoUnit(protocol, address, UnitLayout::firmwareOf(index), this);
+    device->setParameter(DeviceDescriptor::DP_NAME, tr("Mux %1").arg(index + 1));
+    // The map issues the key, files the unit under its site and connects
+    // its signals; from here on the unit is known by its key.
+    const unsigned short key = map->addItem(site, device, QVector<QString>());
+    keys.append(key);
+    connect(device, &DeviceDescriptor::newEvent, this, [this](Core::SystemEvens event, const QString &text) {
+        statusBar()->showMessage(
+            tr("%1: %2").arg(Core::getEventDisplayDictionary().value(event), text), 5000);
+    });
+    return key;
+}
+
+void HostWindow::addSimulatedUnits()
 {
     const int count = qBound(1, options.units, 2000);
-    QModelIndex site;
     for (int i = 0; i < count; ++i) {
-        if (i % unitsPerSite == 0)
-            site = map->addGroup(QModelIndex(), siteName(i / unitsPerSite))->index();
-        const bool snmp = i % 2 == 1;
-        // One unit needs a password (firmware 2.4), one is exempt from it (2.7).
-        const unsigned short firmware = i == 5 ? 0x0204 : (i == 7 ? 0x0207 : 0x0105);
-        auto *device
-            = new DemoUnit(snmp ? Core::IPT_SNMP_V1 : Core::IPT_SERIAL, addressFor(i, snmp), firmware, this);
-        device->setParameter(DeviceDescriptor::DP_NAME, tr("Mux %1").arg(i + 1));
-        // The map issues the key, files the unit under its site and connects
-        // its signals; from here on the unit is known by its key.
-        const unsigned short key = map->addItem(site, device, QVector<QString>());
-        keys.append(key);
-        // Serial units have an IP address too, for their own purposes.
-        const QString ip
-            = snmp ? addressFor(i, true) : QStringLiteral("10.1.%1.%2").arg(i / 250).arg(i % 250 + 1);
-        transport->addUnit(key, new SimulatedUnit(i, snmp, firmware, ip));
-
-        connect(
-            device, &DeviceDescriptor::newEvent, this, [this](Core::SystemEvens event, const QString &text) {
-                statusBar()->showMessage(
-                    tr("%1: %2").arg(Core::getEventDisplayDictionary().value(event), text), 5000);
-            });
+        const bool snmp = UnitLayout::isSnmpUnit(i);
+        const unsigned short key
+            = addUnit(i, snmp ? Core::IPT_SNMP_V1 : Core::IPT_SERIAL, simulatedAddress(i));
+        simulatedNetwork->addUnit(
+            key, new SimulatedUnit(i, snmp, UnitLayout::firmwareOf(i), UnitLayout::unitIp(i)));
     }
+}
+
+bool HostWindow::addUnitsOnWires()
+{
+    int index = 0;
+    if (!options.agentProgram.isEmpty()) {
+        // The agent sends its traps to the host's receiver.
+        const quint16 trapPort = snmpUnits->listenForTraps();
+        QStringList arguments {QStringLiteral("--units"), QString::number(qBound(1, options.units, 5000)),
+            QStringLiteral("--seed"), QString::number(options.network.seed), QStringLiteral("--loss"),
+            QString::number(options.network.errorRate)};
+        if (trapPort != 0)
+            arguments << QStringLiteral("--trap-port") << QString::number(trapPort);
+        const SnmpTarget &credentials = options.credentials;
+        arguments << QStringLiteral("--community") << credentials.community;
+        if (credentials.version == SnmpTarget::V3) {
+            arguments << QStringLiteral("--v3-user") << credentials.user << QStringLiteral("--auth-pass")
+                      << credentials.authPassphrase << QStringLiteral("--priv-pass")
+                      << credentials.privPassphrase;
+        }
+        agent = new AgentProcess(this);
+        if (!agent->start(options.agentProgram, arguments)) {
+            error = agent->errorString();
+            return false;
+        }
+        for (const AgentProcess::Unit &unit : agent->units()) {
+            if (!unit.snmp) {
+                serialLines->addUnit(addUnit(index++, Core::IPT_SERIAL, unit.address), unit.address);
+                continue;
+            }
+            SnmpTarget target = credentials;
+            target.host = QHostAddress::LocalHost;
+            target.port = static_cast<quint16>(unit.address.section(QLatin1Char(':'), -1).toUInt());
+            // A lost reply is shown as lost rather than hidden by a retry.
+            target.timeout = 500;
+            target.retries = 0;
+            snmpUnits->addUnit(addUnit(index++, protocolOf(target), endpointText(target)), target);
+        }
+    }
+    for (const SnmpTarget &target : qAsConst(options.agents))
+        snmpUnits->addUnit(addUnit(index++, protocolOf(target), endpointText(target)), target);
+    return true;
 }
 
 void HostWindow::placeUnits()
@@ -350,12 +427,13 @@ void HostWindow::placeUnits()
 
     for (int i = 0; i < keys.size(); ++i) {
         DemoUnit *device = unit(keys.at(i));
-        const QString address = device->getParameter(DeviceDescriptor::DP_ADDRESS).toString();
+        // Kept by name: ports and terminal paths of the agent change between runs.
+        const QString name = device->getParameter(DeviceDescriptor::DP_NAME).toString();
         QPointF pos;
         double z = -1.0; // the scene's default stacking
-        if (stored && store.hasPlace(address)) {
-            pos = store.place(address).pos;
-            z = store.place(address).z;
+        if (stored && store.hasPlace(name)) {
+            pos = store.place(name).pos;
+            z = store.place(name).z;
         } else {
             const int site = i / unitsPerSite;
             pos = QPointF(20 + ((site % sitesPerRow) * unitsPerSite + i % unitsPerSite) * cellWidth,
@@ -365,12 +443,12 @@ void HostWindow::placeUnits()
     }
 
     if (stored) {
-        QHash<QString, unsigned short> byAddress;
+        QHash<QString, unsigned short> byName;
         for (unsigned short key : qAsConst(keys))
-            byAddress.insert(unit(key)->getParameter(DeviceDescriptor::DP_ADDRESS).toString(), key);
+            byName.insert(unit(key)->getParameter(DeviceDescriptor::DP_NAME).toString(), key);
         for (const auto &link : store.links()) {
-            if (byAddress.contains(link.first) && byAddress.contains(link.second))
-                topology->addArrowLink(byAddress.value(link.first), byAddress.value(link.second));
+            if (byName.contains(link.first) && byName.contains(link.second))
+                topology->addArrowLink(byName.value(link.first), byName.value(link.second));
         }
         return;
     }
@@ -388,19 +466,19 @@ bool HostWindow::saveTopology()
     if (!map)
         return false;
     store.clear();
-    QHash<unsigned short, QString> addresses;
+    QHash<unsigned short, QString> names;
     for (unsigned short key : qAsConst(keys)) {
         DemoUnit *device = unit(key);
         if (!device)
             continue;
-        const QString address = device->getParameter(DeviceDescriptor::DP_ADDRESS).toString();
-        addresses.insert(key, address);
-        store.setPlace(address, {topology->getItemPos(key), topology->getItemZ(key)});
+        const QString name = device->getParameter(DeviceDescriptor::DP_NAME).toString();
+        names.insert(key, name);
+        store.setPlace(name, {topology->getItemPos(key), topology->getItemZ(key)});
     }
     QList<QPair<QString, QString>> links;
     for (const auto &link : topology->getArrowLinkList()) {
-        if (addresses.contains(link.first) && addresses.contains(link.second))
-            links.append(qMakePair(addresses.value(link.first), addresses.value(link.second)));
+        if (names.contains(link.first) && names.contains(link.second))
+            links.append(qMakePair(names.value(link.first), names.value(link.second)));
     }
     store.setLinks(links);
     return store.save();
@@ -494,7 +572,7 @@ void HostWindow::onLinkContextMenu(const QPointF &scenePos, unsigned short from,
 
 void HostWindow::onTreeActivated(const QModelIndex &index)
 {
-    const int key = index.data(itemKeyRole).toInt();
+    const int key = index.data(Map::ITEM_KEY_ROLE).toInt();
     if (key < 0)
         return;
     if (DemoUnit *device = unit(static_cast<unsigned short>(key)))
@@ -507,7 +585,7 @@ void HostWindow::onTreeCurrentChanged(const QModelIndex &index)
     groupHighlighted.clear();
     if (!index.isValid())
         return;
-    const int key = index.data(itemKeyRole).toInt();
+    const int key = index.data(Map::ITEM_KEY_ROLE).toInt();
     if (key >= 0) {
         topology->setSelected(static_cast<unsigned short>(key));
         return;
@@ -556,7 +634,8 @@ QString HostWindow::statusText() const
         .arg(keys.size())
         .arg(passes)
         .arg(polled)
-        .arg(transport ? transport->errorCount() : 0)
+        .arg((simulatedNetwork ? simulatedNetwork->errorCount() : 0)
+            + (serialLines ? serialLines->errorCount() : 0) + (snmpUnits ? snmpUnits->errorCount() : 0))
         .arg(inAlarm)
         .arg(trapCount);
 }

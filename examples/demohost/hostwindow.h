@@ -4,12 +4,17 @@
 #include "simulatednetwork.h"
 #include "topologystore.h"
 
+#include <core/core.h>
+#include <snmp/snmptarget.h>
+
 #include <QElapsedTimer>
 #include <QHash>
 #include <QMainWindow>
+#include <QPersistentModelIndex>
 #include <QSet>
 #include <QString>
 
+class AgentProcess;
 class DemoUnit;
 class DeviceGraphicsView;
 class DeviceScene;
@@ -22,6 +27,8 @@ class QStandardItemModel;
 class QTableView;
 class QTimer;
 class QTreeView;
+class SerialTransport;
+class SnmpTransport;
 class TrapVisual;
 
 // The host application's main window: the device tree, the topology, the
@@ -37,28 +44,26 @@ public:
         int units = 12;
         int scanPeriodMs = 1000; // a new scan pass when the last one is over
         QString topologyFile; // empty: the user's configuration folder
-        SimulatedNetwork::Options network;
+        // Units inside this process instead of behind real wires.
+        bool simulated = false;
+        SimulatedNetwork::Options network; // its seed also seeds the started agent
+        QString agentProgram; // the demoagent to start; empty: none
+        SnmpTarget credentials; // version, community or v3 user of the agent's units
+        QList<SnmpTarget> agents; // units at SNMP endpoints started elsewhere
     };
 
     explicit HostWindow(const Options &options, QWidget *parent = nullptr);
     ~HostWindow() override;
 
-    // Registers the units, draws them and starts the repeated scan.
-    void start();
+    // Starts the agent, registers the units, draws them and starts the
+    // repeated scan. False with startError() when the agent did not start.
+    bool start();
+    QString startError() const { return error; }
     // Writes mainwindow.png and configwindow.png into the folder, then
     // emits screenshotsTaken().
     void takeScreenshots(const QString &folder);
 
-    // What the status line shows, for the integration test.
-    Map *deviceMap() const { return map; }
-    DeviceScene *scene() const { return topology; }
-    SimulatedNetwork *network() const { return transport; }
-    TrapVisual *trapList() const { return traps; }
-    DemoUnit *unit(unsigned short key) const;
-    QList<unsigned short> unitKeys() const { return keys; }
-    int pollCount(unsigned short key) const { return polls.value(key); }
-    int passCount() const { return passes; }
-    int blinkCount() const { return blinks; }
+    // What the status line shows.
     QString statusText() const;
     // Saves the positions and links of the drawing now; also done on close.
     bool saveTopology();
@@ -70,9 +75,28 @@ protected:
     void closeEvent(QCloseEvent *event) override;
 
 private:
+    // The tests look inside.
+    friend class tst_DemoHost;
+    friend class tst_Wires;
+
+    Map *deviceMap() const { return map; }
+    DeviceScene *scene() const { return topology; }
+    // Null unless the units are simulated.
+    SimulatedNetwork *network() const { return simulatedNetwork; }
+    TrapVisual *trapList() const { return traps; }
+    DemoUnit *unit(unsigned short key) const;
+    QList<unsigned short> unitKeys() const { return keys; }
+    int pollCount(unsigned short key) const { return polls.value(key); }
+    int passCount() const { return passes; }
+    int blinkCount() const { return blinks; }
+
     void buildUi();
+    QWidget *buildTrapPanel();
     void buildToolBar();
-    void addUnits();
+    void connectMap();
+    void addSimulatedUnits();
+    bool addUnitsOnWires();
+    unsigned short addUnit(int index, Core::InterfaceProtocolType protocol, const QString &address);
     void placeUnits();
     void startScanPass();
     void refreshAlarms();
@@ -91,7 +115,11 @@ private:
     Map *map;
     DeviceScene *topology;
     DeviceGraphicsView *view;
-    SimulatedNetwork *transport;
+    // The transports: simulated units, or serial lines and SNMP clients.
+    SimulatedNetwork *simulatedNetwork = nullptr;
+    SerialTransport *serialLines = nullptr;
+    SnmpTransport *snmpUnits = nullptr;
+    AgentProcess *agent = nullptr;
     TrapVisual *traps;
     TopologyStore store;
     QTimer *scanTimer;
@@ -113,6 +141,8 @@ private:
     int blinks = 0;
     int trapCount = 0;
     bool started = false;
+    QString error;
+    QPersistentModelIndex site;
 };
 
 #endif // HOSTWINDOW_H

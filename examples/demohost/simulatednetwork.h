@@ -15,10 +15,10 @@ class Map;
 class QTimer;
 class SimulatedUnit;
 
-// The host's transport, here with simulated units at the far end. A real
-// host puts its serial port and SNMP stack in this place: it listens to
-// Map::request, sends, and hands the reply to Map::answer or a failure to
-// Map::replyError. The library never talks to a line itself.
+// The host's transport with simulated units at the far end, inside the
+// process (--simulated): the stand-in for SerialTransport and SnmpTransport.
+// Like them it listens to Map::request and hands the reply to Map::answer or
+// a failure to Map::replyError. The library never talks to a line itself.
 class SimulatedNetwork : public QObject
 {
     Q_OBJECT

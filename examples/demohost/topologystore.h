@@ -10,7 +10,7 @@
 // The host's own record of the topology drawing: where each unit stands and
 // which units are linked. The library keeps no layout; a host stores it
 // wherever it keeps its network (a database, a project file). Units are
-// named by their address, which, unlike the map's keys, survives a restart.
+// named by their names, which, unlike the map's keys, survives a restart.
 class TopologyStore
 {
 public:
@@ -27,9 +27,9 @@ public:
     bool load();
     bool save() const;
 
-    bool hasPlace(const QString &address) const { return places.contains(address); }
-    Place place(const QString &address) const { return places.value(address); }
-    void setPlace(const QString &address, const Place &place) { places.insert(address, place); }
+    bool hasPlace(const QString &name) const { return places.contains(name); }
+    Place place(const QString &name) const { return places.value(name); }
+    void setPlace(const QString &name, const Place &place) { places.insert(name, place); }
     QList<QPair<QString, QString>> links() const { return linkList; }
     void setLinks(const QList<QPair<QString, QString>> &links) { linkList = links; }
     void clear();

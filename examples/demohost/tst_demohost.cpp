@@ -70,6 +70,7 @@ std::unique_ptr<HostWindow> tst_DemoHost::makeHost(double errorRate)
     options.units = 12;
     options.scanPeriodMs = 200;
     options.topologyFile = dir->filePath(QStringLiteral("layout.json"));
+    options.simulated = true;
     options.network.seed = 7;
     options.network.errorRate = errorRate;
     options.network.minDelayMs = 2;

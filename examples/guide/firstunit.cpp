@@ -73,7 +73,7 @@ int main(int argc, char **argv)
     QObject::connect(&map, &Map::frontpanel, &app, [&](unsigned short unitKey, const QString &panel) {
         if (unitKey != key || unit->temperature() != 23 || !panel.contains(QLatin1String("23 C")))
             return;
-        if (scene.getDeviceItem(key)->getAlarm() != Core::ALARM_MINOR)
+        if (map.getAlarmMap().value(key) != Core::ALARM_MINOR)
             return;
         unit->showUi();
         app.exit(unit->getConfigMap() && DeviceMainWindow::getWindowsCount() == 1 ? 0 : 1);

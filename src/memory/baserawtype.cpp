@@ -1,5 +1,7 @@
 #include "memory/baserawtype.h"
 
+#include "memory/snmpindex_p.h"
+
 #include <QJsonObject>
 #include <QStringMatcher>
 
@@ -165,14 +167,22 @@ bool BaseRawType::readData(QHash<QString, QVariant> *variables)
     mode = 1;
     if (snmpStartAddress.isEmpty())
         return true;
+    // Within a map's loadData the whole set has been matched once for all
+    // items; this item's share is ready.
+    if (SnmpIndex::Pass::takeShared(this, *variables, snmpData))
+        return true;
     // A plain substring test on purpose: units answer with OIDs that carry
-    // the prefix inside a longer arc. Every item of a map scans the whole set,
-    // so the search tables are built once per call, not once per OID.
+    // the prefix inside a longer arc. The search tables are built once per
+    // call, not once per OID.
     const QStringMatcher matcher(snmpStartAddress);
+    int taken = 0;
     for (auto it = variables->cbegin(); it != variables->cend(); ++it) {
-        if (containsOid(it.key(), snmpStartAddress, matcher))
+        if (containsOid(it.key(), snmpStartAddress, matcher)) {
             snmpData.insert(it.key(), it.value());
+            ++taken;
+        }
     }
+    SnmpIndex::Pass::noteTaken(taken);
     return true;
 }
 

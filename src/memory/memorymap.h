@@ -10,7 +10,10 @@
 #include <QVariant>
 #include <QVector>
 
+#include <memory>
+
 class BaseRawType;
+class SnmpIndex;
 
 /**
  * A named set of items that together cover one memory area of a unit, moved
@@ -50,6 +53,9 @@ public:
      * Gives every item its variables from a received set and puts the items in SNMP mode.
      *
      * The received variables also count as sent, so that they are not sent back unchanged.
+     * Each OID is examined once for all items. Start addresses that lie within one another,
+     * and a set of which no item takes anything, are reported in the muxcore.memory logging
+     * category.
      */
     bool loadData(QHash<QString, QVariant> *variables);
     /// Adds to @p toSend only the variables that changed since last received or sent.
@@ -73,6 +79,7 @@ private:
     // The same items in the order they were added: whole-map walks run over
     // a flat list rather than the hash's buckets.
     QVector<BaseRawType *> order;
+    std::unique_ptr<SnmpIndex> snmpIndex;
 };
 
 #endif // MEMORYMAP_H

@@ -34,7 +34,8 @@ if(NOT MUXCORE_PACKAGE_NAME STREQUAL "MuxCore")
     file(WRITE ${consumer_dir}/CMakeLists.txt "${consumer_project}")
     file(COPY ${CONSUMER_SOURCE_DIR}/main.cpp DESTINATION ${consumer_dir})
 endif()
-run_step(${CMAKE_COMMAND} -S ${consumer_dir} -B ${WORK_DIR}/build -DCMAKE_PREFIX_PATH=${prefix})
+run_step(${CMAKE_COMMAND} -S ${consumer_dir} -B ${WORK_DIR}/build
+         -DCMAKE_PREFIX_PATH=${prefix} -DWITH_SNMP=${WITH_SNMP})
 run_step(${CMAKE_COMMAND} --build ${WORK_DIR}/build)
 run_step(${WORK_DIR}/build/consumer)
 
@@ -53,10 +54,18 @@ run_step(${CXX} ${CONSUMER_SOURCE_DIR}/main.cpp ${flags} -Wl,-rpath,${libdir}
          -o ${WORK_DIR}/consumer-pkgconfig)
 run_step(${WORK_DIR}/consumer-pkgconfig)
 
+if(WITH_SNMP)
+    run_step(${WORK_DIR}/build/snmpconsumer)
+endif()
+
 # Hosts build with stricter warnings than ours: no public header may add one.
 file(GLOB_RECURSE headers ${prefix}/include/${MUXCORE_FILE_NAME}/*.h)
+# The SNMP component's headers also see Qt Network, as its CMake target does.
+execute_process(COMMAND ${PKG_CONFIG} --cflags ${MUXCORE_QT}Network
+    OUTPUT_VARIABLE network_flags OUTPUT_STRIP_TRAILING_WHITESPACE)
+separate_arguments(network_flags UNIX_COMMAND "${network_flags}")
 foreach(header ${headers})
     run_step(${CXX} -std=c++17 -fsyntax-only -x c++ -Wall -Wextra -Wpedantic -Wshadow -Werror
-             ${flags} ${header})
+             ${flags} ${network_flags} ${header})
 endforeach()
 message(STATUS "Hosts built and ran against the installed package")

@@ -6,19 +6,15 @@
 #include <memory/statusmemorymap.h>
 #include <ui/devicemainwindow.h>
 
+#include "../ui/modalanswer.h"
+#include "metaorder.h"
+
 #include <QAction>
-#include <QApplication>
 #include <QIcon>
 #include <QInputDialog>
 #include <QLineEdit>
-#include <QMetaMethod>
 #include <QPointer>
-#include <QTimer>
 #include <QtTest>
-
-#include <cstdint>
-#include <cstring>
-#include <functional>
 
 using VersionList = QList<unsigned short>;
 Q_DECLARE_METATYPE(Core::SystemEvens)
@@ -43,313 +39,211 @@ struct Login
 } // namespace
 Q_DECLARE_METATYPE(Login)
 
-namespace {
-// Answers each modal input dialog from the event loop and counts them.
-class DialogAnswerer : public QObject
-{
-public:
-    explicit DialogAnswerer(std::function<void(QInputDialog *)> answer)
-        : handler(std::move(answer))
-    {
-        connect(&timer, &QTimer::timeout, this, [this] {
-            if (auto *dialog = qobject_cast<QInputDialog *>(QApplication::activeModalWidget())) {
-                ++seen;
-                handler(dialog);
-            }
-        });
-        timer.start(10);
-    }
-    int seen = 0;
-
-private:
-    std::function<void(QInputDialog *)> handler;
-    QTimer timer;
-};
-
-#if defined(__GNUC__) || defined(__clang__)
-// Itanium C++ ABI: a pointer to a virtual member holds 1 + the slot's byte offset.
-template<typename F> int vtableSlot(F function)
-{
-    struct
-    {
-        std::uintptr_t ptr;
-        std::ptrdiff_t adj;
-    } rep;
-    static_assert(sizeof(function) == sizeof(rep), "Itanium member-function pointer");
-    std::memcpy(&rep, &function, sizeof(rep));
-    return (rep.ptr & 1) ? int((rep.ptr - 1) / sizeof(void *)) : -1;
-}
-
-struct QObjectProbe : QObject
-{
-    static int lastSlot() { return vtableSlot(&QObjectProbe::disconnectNotify); }
-};
-#endif
-} // namespace
-
 class tst_DeviceDescriptor : public QObject
 {
     Q_OBJECT
 private slots:
-    void defaults();
-    void alarmStateEmitsOnChangeOnly_data();
-    void alarmStateEmitsOnChangeOnly();
-    void splitVersion();
-    void permission_data();
-    void permission();
-    void needAutorisation_data();
-    void needAutorisation();
-    void autorise_data();
-    void autorise();
-    void eventsAndAddressCheck();
-    void interfaceOrder();
+    void defaults()
+    {
+        TestDevice device;
+        const QStringList texts {"No Name", "No type", "", "", "0", "0", "0", "0", "No Description"};
+        for (int p = 0; p < texts.size(); ++p) {
+            const QVariant value = device.getParameter(static_cast<DeviceDescriptor::DeviceParameter>(p));
+            QCOMPARE(value.isValid(), p != 3);
+            if (p != 3)
+                QCOMPARE(value.toString(), texts.at(p));
+        }
+        // Reading a missing parameter does not create it.
+        QCOMPARE(device.parameterCount(), 9);
+        const QVariant icon = device.getParameter(DeviceDescriptor::DP_ICON);
+        QCOMPARE(icon.userType(), qMetaTypeId<QIcon>());
+        QVERIFY(!icon.value<QIcon>().isNull());
+
+        for (int type = Core::IPT_SERIAL; type <= Core::IPT_WEB; ++type)
+            QVERIFY(device.getInterfaceSettings(static_cast<Core::InterfaceProtocolType>(type)).isEmpty());
+        QSignalSpy changed(&device, &DeviceDescriptor::interfSettingsChanged);
+        device.setInterfaceSettings(Core::IPT_SNMP_V1, QStringLiteral("10.0.0.1;public"));
+        device.setInterfaceSettings(Core::IPT_SNMP_V1, QStringLiteral("10.0.0.2;public"));
+        QCOMPARE(device.getInterfaceSettings(Core::IPT_SNMP_V1), QStringLiteral("10.0.0.2;public"));
+        QCOMPARE(changed.count(), 0);
+
+        // The connection map has no parent, yet goes with its descriptor.
+        auto *owner = new TestDevice;
+        QPointer<ConfigMemoryMap> config = owner->getConfigMap();
+        QPointer<ConnectMemoryMap> connection = owner->getConnectMap();
+        QCOMPARE(connection->parent(), nullptr);
+        delete owner;
+        QVERIFY(!config && !connection);
+    }
+    void alarmStateEmitsOnChangeOnly_data()
+    {
+        QTest::addColumn<QList<int>>("levels");
+        QTest::addColumn<int>("emitted");
+
+        QTest::newRow("same as initial") << QList<int> {0} << 0;
+        QTest::newRow("repeated level") << QList<int> {2, 2, 2} << 1;
+        QTest::newRow("there and back") << QList<int> {3, 0} << 2;
+    }
+    void alarmStateEmitsOnChangeOnly()
+    {
+        QFETCH(QList<int>, levels);
+        QFETCH(int, emitted);
+        TestDevice device;
+        QSignalSpy spy(&device, &DeviceDescriptor::alarmStateChanged);
+        for (int level : levels)
+            device.setAlarmState(static_cast<Core::AlarmType>(level));
+        QCOMPARE(spy.count(), emitted);
+        QCOMPARE(int(device.getAlarmState()), levels.last());
+    }
+    void splitVersion()
+    {
+        unsigned char a = 0, b = 0, c = 0;
+        DeviceDescriptor::splitVersion(static_cast<unsigned short>(0xFF01), a, b);
+        QCOMPARE(QVector<int>({a, b}), QVector<int>({255, 1}));
+        DeviceDescriptor::splitVersion(0x12030405u, a, b, c);
+        QCOMPARE(QVector<int>({a, b, c}), QVector<int>({3, 4, 5}));
+    }
+    void permission_data()
+    {
+        QTest::addColumn<int>("protocol");
+        QTest::addColumn<int>("mode");
+        QTest::addColumn<bool>("editable");
+
+        QTest::newRow("serial read") << int(Core::IPT_SERIAL) << int(Core::ACM_READ) << false;
+        QTest::newRow("serial read-write") << int(Core::IPT_SERIAL) << int(Core::ACM_READ_AND_WRITE) << true;
+        QTest::newRow("serial deny") << int(Core::IPT_SERIAL) << int(Core::ACM_DENY) << true;
+        QTest::newRow("snmp v3 read") << int(Core::IPT_SNMP_V3) << int(Core::ACM_READ) << false;
+        QTest::newRow("web read is ignored") << int(Core::IPT_WEB) << int(Core::ACM_READ) << true;
+    }
+    void permission()
+    {
+        QFETCH(int, protocol);
+        QFETCH(int, mode);
+        QFETCH(bool, editable);
+
+        DeviceMainWindow window;
+        TestDevice device;
+        device.setWindow(&window);
+        device.setCurrentProtocolType(static_cast<Core::InterfaceProtocolType>(protocol));
+        device.setPermission(static_cast<Core::AccessMode>(mode));
+        auto *apply = window.findChild<QAction *>(QStringLiteral("actionApply"));
+        QVERIFY(apply);
+        QCOMPARE(apply->isEnabled(), editable);
+        // A read-only window keeps its actions locked when a transfer ends.
+        window.disableInteractUi(false);
+        QCOMPARE(apply->isEnabled(), editable);
+    }
+    void needAutorisation_data()
+    {
+        QTest::addColumn<VersionList>("required");
+        QTest::addColumn<VersionList>("exempt");
+        QTest::addColumn<int>("version");
+        QTest::addColumn<bool>("need");
+
+        const VersionList threshold {0x0305};
+        QTest::newRow("no lists") << VersionList() << VersionList() << 0x0305 << false;
+        QTest::newRow("below threshold") << threshold << VersionList() << 0x0304 << false;
+        QTest::newRow("at threshold") << threshold << VersionList() << 0x0305 << true;
+        QTest::newRow("top of major") << threshold << VersionList() << 0x03FF << true;
+        QTest::newRow("other major") << threshold << VersionList() << 0x0405 << false;
+        QTest::newRow("exemption wins") << threshold << VersionList {0x0307} << 0x0307 << false;
+        QTest::newRow("exemption is exact") << threshold << VersionList {0x0307} << 0x0308 << true;
+        QTest::newRow("second entry") << VersionList {0x0109, 0x0302} << VersionList() << 0x0303 << true;
+    }
+    void needAutorisation()
+    {
+        QFETCH(VersionList, required);
+        QFETCH(VersionList, exempt);
+        QFETCH(int, version);
+        QFETCH(bool, need);
+
+        TestDevice device;
+        QVERIFY(!device.needAutorisation());
+        device.setVersionLists(required, exempt);
+        QCOMPARE(device.checkForNeedAutorisation(static_cast<unsigned short>(version)), need);
+        QCOMPARE(device.needAutorisation(), need);
+    }
+    void autorise_data()
+    {
+        QTest::addColumn<Login>("login");
+        // The unit needs a password from firmware 2.3 on.
+        // clang-format off
+        QTest::newRow("stored password") << Login {"kept", 0x0204, true, "", true, 0, true, 0, "kept", {"kept"}, 0};
+        QTest::newRow("no need") << Login {"", 0x0202, true, "", true, 0, true, 0, "", {""}, 0};
+        QTest::newRow("no need, refused") << Login {"", 0x0202, true, "", false, 0, false, 3, "", {""}, 0};
+        QTest::newRow("no need, error code") << Login {"", 0x0202, true, "", true, 7, false, 3, "", {""}, 0};
+        QTest::newRow("ok") << Login {"", 0x0204, true, "secret", true, 0, true, 0, "secret", {"secret"}, 1};
+        QTest::newRow("ok, refused") << Login {"", 0x0204, true, "wrong", false, 0, false, 3, "", {"wrong"}, 1};
+        QTest::newRow("ok, nothing typed") << Login {"", 0x0204, true, "", true, 0, true, 0, "", {""}, 1};
+        QTest::newRow("cancel") << Login {"", 0x0204, false, "typed", true, 0, false, 4, "", {}, 1};
+        // clang-format on
+    }
+    void autorise()
+    {
+        QFETCH(Login, login);
+        DeviceMainWindow window;
+        TestDevice device;
+        device.setWindow(&window);
+        device.setVersionLists({0x0203}, {});
+        device.setFirmware(static_cast<unsigned short>(login.firmware));
+        device.setPasswordEnc(login.stored);
+        device.acceptPassword = login.modelAccepts;
+        device.codeAfterPassword = login.codeLeft;
+
+        QString shown;
+        ModalAnswer answerer(as<QInputDialog>([&](QInputDialog *dialog) {
+            shown = QStringList {dialog->windowTitle(), dialog->labelText(),
+                QString::number(dialog->parentWidget() == &window), QString::number(dialog->textEchoMode())}
+                        .join('|');
+            dialog->setTextValue(login.typed);
+            login.accept ? dialog->accept() : dialog->reject();
+        }));
+
+        QCOMPARE(device.autorise(), login.result);
+        QCOMPARE(answerer.answered, login.dialogs);
+        QCOMPARE(device.getAutorisationResult(), login.code);
+        QCOMPARE(device.getPassword(), login.password);
+        QCOMPARE(device.passwordsOffered, login.offered);
+        // A stored password skips the version check altogether.
+        QCOMPARE(device.needAutorisation(), login.stored.isEmpty() && login.firmware >= 0x0203);
+        QCOMPARE(shown,
+            login.dialogs ? QStringLiteral("Autorisation|Password|1|%1").arg(QLineEdit::Password)
+                          : QString());
+    }
+    void eventsAndAddressCheck()
+    {
+        TestDevice device;
+        QSignalSpy events(&device, &DeviceDescriptor::newEvent);
+        device.emitAddEvent(Core::SE_DEVICE_RESTART);
+        device.setParameter(DeviceDescriptor::DP_NAME, QStringLiteral("Mux 7"));
+        device.setParameter(DeviceDescriptor::DP_ADDRESS, QStringLiteral("10.0.0.7"));
+        device.emitAddEvent(Core::SE_DEVICE_SAVE);
+        QCOMPARE(events.count(), 2);
+        QCOMPARE(events.at(0).at(0).value<Core::SystemEvens>(), Core::SE_DEVICE_RESTART);
+        QCOMPARE(events.at(0).at(1).toString(), QStringLiteral("No Name:"));
+        QCOMPARE(events.at(1).at(1).toString(), QStringLiteral("Mux 7:10.0.0.7"));
+        QSignalSpy check(&device, &DeviceDescriptor::checkAddr), answer(&device, &DeviceDescriptor::setIP);
+        device.checkAdr(QStringLiteral("17"));
+        QCOMPARE(check.count(), 1);
+        QCOMPARE(device.getNewAddr(), QStringLiteral("17"));
+        device.setNewIP(false);
+        QCOMPARE(answer.takeFirst(), QList<QVariant> {false});
+    }
+    // Device models are compiled against this order; a moved declaration breaks them.
+    void interfaceOrder()
+    {
+        QCOMPARE(methodsOf(DeviceDescriptor::staticMetaObject),
+            QString(
+                "newRequest() send(QByteArray) systemMessage() frontPanelChanged() errorMessage(QString) "
+                "alarmStateChanged() statusUpdated() interfSettingsChanged() uiClosed() serialState() "
+                "checkAddr() "
+                "setIP(bool) newEvent(Core::SystemEvens,QString) | setData(QByteArray) setError() update() "
+                "updateStatus() updateAlarmStatus(bool) updateAlarmStatus() setDateTime(QDateTime) "
+                "resetStatistics() "
+                "identify() checkAdr(QString) setNewIP(bool) getNewAddr()"));
+    }
 };
 
-void tst_DeviceDescriptor::defaults()
-{
-    TestDevice device;
-    const QStringList texts {"No Name", "No type", "", "", "0", "0", "0", "0", "No Description"};
-    for (int p = 0; p < texts.size(); ++p) {
-        const QVariant value = device.getParameter(static_cast<DeviceDescriptor::DeviceParameter>(p));
-        QCOMPARE(value.isValid(), p != 3);
-        if (p != 3)
-            QCOMPARE(value.toString(), texts.at(p));
-    }
-    // Reading a missing parameter does not create it.
-    QCOMPARE(device.parameterCount(), 9);
-    const QVariant icon = device.getParameter(DeviceDescriptor::DP_ICON);
-    QCOMPARE(icon.userType(), qMetaTypeId<QIcon>());
-    QVERIFY(!icon.value<QIcon>().isNull());
-
-    for (int type = Core::IPT_SERIAL; type <= Core::IPT_WEB; ++type)
-        QVERIFY(device.getInterfaceSettings(static_cast<Core::InterfaceProtocolType>(type)).isEmpty());
-    QSignalSpy changed(&device, &DeviceDescriptor::interfSettingsChanged);
-    device.setInterfaceSettings(Core::IPT_SNMP_V1, QStringLiteral("10.0.0.1;public"));
-    device.setInterfaceSettings(Core::IPT_SNMP_V1, QStringLiteral("10.0.0.2;public"));
-    QCOMPARE(device.getInterfaceSettings(Core::IPT_SNMP_V1), QStringLiteral("10.0.0.2;public"));
-    QCOMPARE(changed.count(), 0);
-
-    // The connection map has no parent, yet goes with its descriptor.
-    auto *owner = new TestDevice;
-    QPointer<ConfigMemoryMap> config = owner->getConfigMap();
-    QPointer<ConnectMemoryMap> connection = owner->getConnectMap();
-    QCOMPARE(connection->parent(), nullptr);
-    delete owner;
-    QVERIFY(!config && !connection);
-}
-
-void tst_DeviceDescriptor::alarmStateEmitsOnChangeOnly_data()
-{
-    QTest::addColumn<QList<int>>("levels");
-    QTest::addColumn<int>("emitted");
-
-    QTest::newRow("same as initial") << QList<int> {0} << 0;
-    QTest::newRow("repeated level") << QList<int> {2, 2, 2} << 1;
-    QTest::newRow("there and back") << QList<int> {3, 0} << 2;
-}
-
-void tst_DeviceDescriptor::alarmStateEmitsOnChangeOnly()
-{
-    QFETCH(QList<int>, levels);
-    QFETCH(int, emitted);
-    TestDevice device;
-    QSignalSpy spy(&device, &DeviceDescriptor::alarmStateChanged);
-    for (int level : levels)
-        device.setAlarmState(static_cast<Core::AlarmType>(level));
-    QCOMPARE(spy.count(), emitted);
-    QCOMPARE(int(device.getAlarmState()), levels.last());
-}
-
-void tst_DeviceDescriptor::splitVersion()
-{
-    unsigned char a = 0, b = 0, c = 0;
-    DeviceDescriptor::splitVersion(static_cast<unsigned short>(0x0203), a, b);
-    QCOMPARE(QVector<int>({a, b}), QVector<int>({2, 3}));
-    DeviceDescriptor::splitVersion(static_cast<unsigned short>(0xFF01), a, b);
-    QCOMPARE(QVector<int>({a, b}), QVector<int>({255, 1}));
-    DeviceDescriptor::splitVersion(0x12030405u, a, b, c);
-    QCOMPARE(QVector<int>({a, b, c}), QVector<int>({3, 4, 5}));
-}
-
-void tst_DeviceDescriptor::permission_data()
-{
-    QTest::addColumn<int>("protocol");
-    QTest::addColumn<int>("mode");
-    QTest::addColumn<bool>("editable");
-
-    QTest::newRow("serial read") << int(Core::IPT_SERIAL) << int(Core::ACM_READ) << false;
-    QTest::newRow("serial read-write") << int(Core::IPT_SERIAL) << int(Core::ACM_READ_AND_WRITE) << true;
-    QTest::newRow("serial deny") << int(Core::IPT_SERIAL) << int(Core::ACM_DENY) << true;
-    QTest::newRow("snmp v3 read") << int(Core::IPT_SNMP_V3) << int(Core::ACM_READ) << false;
-    QTest::newRow("web read is ignored") << int(Core::IPT_WEB) << int(Core::ACM_READ) << true;
-}
-
-void tst_DeviceDescriptor::permission()
-{
-    QFETCH(int, protocol);
-    QFETCH(int, mode);
-    QFETCH(bool, editable);
-
-    DeviceMainWindow window;
-    TestDevice device;
-    device.setWindow(&window);
-    device.setCurrentProtocolType(static_cast<Core::InterfaceProtocolType>(protocol));
-    device.setPermission(static_cast<Core::AccessMode>(mode));
-    auto *apply = window.findChild<QAction *>(QStringLiteral("actionApply"));
-    QVERIFY(apply);
-    QCOMPARE(apply->isEnabled(), editable);
-    // A read-only window keeps its actions locked when a transfer ends.
-    window.disableInteractUi(false);
-    QCOMPARE(apply->isEnabled(), editable);
-}
-
-void tst_DeviceDescriptor::needAutorisation_data()
-{
-    QTest::addColumn<VersionList>("required");
-    QTest::addColumn<VersionList>("exempt");
-    QTest::addColumn<int>("version");
-    QTest::addColumn<bool>("need");
-
-    const VersionList threshold {0x0305};
-    QTest::newRow("no lists") << VersionList() << VersionList() << 0x0305 << false;
-    QTest::newRow("below threshold") << threshold << VersionList() << 0x0304 << false;
-    QTest::newRow("at threshold") << threshold << VersionList() << 0x0305 << true;
-    QTest::newRow("top of major") << threshold << VersionList() << 0x03FF << true;
-    QTest::newRow("other major") << threshold << VersionList() << 0x0405 << false;
-    QTest::newRow("exemption wins") << threshold << VersionList {0x0307} << 0x0307 << false;
-    QTest::newRow("exemption is exact") << threshold << VersionList {0x0307} << 0x0308 << true;
-    QTest::newRow("second entry") << VersionList {0x0109, 0x0302} << VersionList() << 0x0303 << true;
-}
-
-void tst_DeviceDescriptor::needAutorisation()
-{
-    QFETCH(VersionList, required);
-    QFETCH(VersionList, exempt);
-    QFETCH(int, version);
-    QFETCH(bool, need);
-
-    TestDevice device;
-    QVERIFY(!device.needAutorisation());
-    device.setVersionLists(required, exempt);
-    QCOMPARE(device.checkForNeedAutorisation(static_cast<unsigned short>(version)), need);
-    QCOMPARE(device.needAutorisation(), need);
-}
-
-void tst_DeviceDescriptor::autorise_data()
-{
-    QTest::addColumn<Login>("login");
-    // The unit needs a password from firmware 2.3 on.
-    // clang-format off
-    QTest::newRow("stored password") << Login {"kept", 0x0204, true, "", true, 0, true, 0, "kept", {"kept"}, 0};
-    QTest::newRow("no need") << Login {"", 0x0202, true, "", true, 0, true, 0, "", {""}, 0};
-    QTest::newRow("no need, refused") << Login {"", 0x0202, true, "", false, 0, false, 3, "", {""}, 0};
-    QTest::newRow("no need, error code") << Login {"", 0x0202, true, "", true, 7, false, 3, "", {""}, 0};
-    QTest::newRow("ok") << Login {"", 0x0204, true, "secret", true, 0, true, 0, "secret", {"secret"}, 1};
-    QTest::newRow("ok, refused") << Login {"", 0x0204, true, "wrong", false, 0, false, 3, "", {"wrong"}, 1};
-    QTest::newRow("ok, nothing typed") << Login {"", 0x0204, true, "", true, 0, true, 0, "", {""}, 1};
-    QTest::newRow("cancel") << Login {"", 0x0204, false, "typed", true, 0, false, 4, "", {}, 1};
-    // clang-format on
-}
-
-void tst_DeviceDescriptor::autorise()
-{
-    QFETCH(Login, login);
-    DeviceMainWindow window;
-    TestDevice device;
-    device.setWindow(&window);
-    device.setVersionLists({0x0203}, {});
-    device.setFirmware(static_cast<unsigned short>(login.firmware));
-    device.setPasswordEnc(login.stored);
-    device.acceptPassword = login.modelAccepts;
-    device.codeAfterPassword = login.codeLeft;
-
-    QString shown;
-    DialogAnswerer answerer([&](QInputDialog *dialog) {
-        shown = QStringList {dialog->windowTitle(), dialog->labelText(),
-            QString::number(dialog->parentWidget() == &window), QString::number(dialog->textEchoMode())}
-                    .join('|');
-        dialog->setTextValue(login.typed);
-        login.accept ? dialog->accept() : dialog->reject();
-    });
-
-    QCOMPARE(device.autorise(), login.result);
-    QCOMPARE(answerer.seen, login.dialogs);
-    QCOMPARE(device.getAutorisationResult(), login.code);
-    QCOMPARE(device.getPassword(), login.password);
-    QCOMPARE(device.passwordsOffered, login.offered);
-    // A stored password skips the version check altogether.
-    QCOMPARE(device.needAutorisation(), login.stored.isEmpty() && login.firmware >= 0x0203);
-    QCOMPARE(shown,
-        login.dialogs ? QStringLiteral("Autorisation|Password|1|%1").arg(QLineEdit::Password) : QString());
-}
-
-void tst_DeviceDescriptor::eventsAndAddressCheck()
-{
-    TestDevice device;
-    QSignalSpy events(&device, &DeviceDescriptor::newEvent);
-    device.emitAddEvent(Core::SE_DEVICE_RESTART);
-    device.setParameter(DeviceDescriptor::DP_NAME, QStringLiteral("Mux 7"));
-    device.setParameter(DeviceDescriptor::DP_ADDRESS, QStringLiteral("10.0.0.7"));
-    device.emitAddEvent(Core::SE_DEVICE_SAVE);
-    QCOMPARE(events.count(), 2);
-    QCOMPARE(events.at(0).at(0).value<Core::SystemEvens>(), Core::SE_DEVICE_RESTART);
-    QCOMPARE(events.at(0).at(1).toString(), QStringLiteral("No Name:"));
-    QCOMPARE(events.at(1).at(1).toString(), QStringLiteral("Mux 7:10.0.0.7"));
-
-    QSignalSpy check(&device, &DeviceDescriptor::checkAddr);
-    QSignalSpy answer(&device, &DeviceDescriptor::setIP);
-    device.checkAdr(QStringLiteral("17"));
-    QCOMPARE(check.count(), 1);
-    QCOMPARE(device.getNewAddr(), QStringLiteral("17"));
-    device.setNewIP(false);
-    QCOMPARE(answer.count(), 1);
-    QCOMPARE(answer.at(0).at(0).toBool(), false);
-}
-
 // Device models are compiled against this order; a moved declaration breaks them.
-void tst_DeviceDescriptor::interfaceOrder()
-{
-    const QStringList expected {"newRequest()", "send(QByteArray)", "systemMessage()", "frontPanelChanged()",
-        "errorMessage(QString)", "alarmStateChanged()", "statusUpdated()", "interfSettingsChanged()",
-        "uiClosed()", "serialState()", "checkAddr()", "setIP(bool)", "newEvent(Core::SystemEvens,QString)",
-        "setData(QByteArray)", "setError()", "update()", "updateStatus()", "updateAlarmStatus(bool)",
-        "updateAlarmStatus()", "setDateTime(QDateTime)", "resetStatistics()", "identify()",
-        "checkAdr(QString)", "setNewIP(bool)", "getNewAddr()"};
-    const QMetaObject &meta = DeviceDescriptor::staticMetaObject;
-    QCOMPARE(meta.methodCount() - meta.methodOffset(), expected.size());
-    for (int i = 0; i < expected.size(); ++i) {
-        const QMetaMethod method = meta.method(meta.methodOffset() + i);
-        QCOMPARE(QString::fromLatin1(method.methodSignature()), expected.at(i));
-        QCOMPARE(method.methodType(), i < 13 ? QMetaMethod::Signal : QMetaMethod::Slot);
-    }
-    QCOMPARE(meta.propertyCount() - meta.propertyOffset(), 0);
-    QCOMPARE(meta.enumeratorCount() - meta.enumeratorOffset(), 0);
-
-#if defined(__GNUC__) || defined(__clang__)
-    using D = DeviceDescriptor;
-    const QVector<int> order {vtableSlot(&D::setAlarmState), vtableSlot(&D::getAlarmState),
-        vtableSlot(&D::getParameter), vtableSlot(&D::setParameter), vtableSlot(&D::setParentWidget),
-        vtableSlot(&D::showUi), vtableSlot(&D::getFrontPanel), vtableSlot(&D::closeUi),
-        vtableSlot(&D::getCurrentProtocolType), vtableSlot(&D::setCurrentProtocolType),
-        vtableSlot(&D::setInterfaceSettings), vtableSlot(&D::getInterfaceSettings),
-        vtableSlot(&D::getRequestData), vtableSlot(&D::getSystemMessage), vtableSlot(&D::setDeviceTypeCode),
-        vtableSlot(&D::getSerialState), vtableSlot(&D::setSerialState), vtableSlot(&D::cmdFactoryCode),
-        vtableSlot(&D::showProgress), vtableSlot(&D::setProgressName), vtableSlot(&D::showFrontPanel),
-        vtableSlot(&D::requestInProgress), vtableSlot(&D::stopRequestProgress), vtableSlot(&D::setPermission),
-        vtableSlot(&D::canBeIdentified), vtableSlot(&D::setPassword), vtableSlot(&D::setBaseRootOid),
-        vtableSlot(&D::setData), vtableSlot(&D::setError), vtableSlot(&D::update),
-        vtableSlot(&D::updateStatus), vtableSlot(&D::updateAlarmStatus), vtableSlot(&D::setDateTime),
-        vtableSlot(&D::resetStatistics), vtableSlot(&D::identify), vtableSlot(&D::checkAdr),
-        vtableSlot(&D::setNewIP), vtableSlot(&D::getNewAddr), vtableSlot(&D::upload),
-        vtableSlot(&D::saveMemory), vtableSlot(&D::applyChanges), vtableSlot(&D::toFactory),
-        vtableSlot(&D::restartDevice), vtableSlot(&D::restoreDevice), vtableSlot(&D::loadSettingsFile),
-        vtableSlot(&D::saveSettingsFile), vtableSlot(&D::switchToActive)};
-    QCOMPARE(order.size(), 47);
-    const int base = QObjectProbe::lastSlot();
-    for (int i = 0; i < order.size(); ++i)
-        QCOMPARE(order.at(i), base + 1 + i);
-#endif
-}
-
 QTEST_MAIN(tst_DeviceDescriptor)
 #include "tst_devicedescriptor.moc"

@@ -8,6 +8,9 @@
 
 #include <QtTest>
 
+#include <memory>
+#include <vector>
+
 namespace {
 
 const QString unit = QStringLiteral(".1.3.6.1.4.1.32473.2.21.1");
@@ -24,6 +27,19 @@ public:
 
 private:
     int *destroyed;
+};
+
+// A device model's own readData: sees the whole set, then refuses it.
+class Refusing : public U8Array
+{
+public:
+    using BaseRawType::readData;
+    bool readData(QHash<QString, QVariant> *variables) override
+    {
+        seen = variables->size();
+        return false;
+    }
+    int seen = -1;
 };
 
 U8Item *u8(unsigned int address, const QString &oid)
@@ -66,6 +82,9 @@ private slots:
     void json_data();
     void json();
     void statusMapThroughBothPaths();
+    void onePassAsEachItemAlone_data();
+    void onePassAsEachItemAlone();
+    void overridesAndWarnings();
 };
 
 void tst_MemoryMap::itemsAndOwnership()
@@ -264,6 +283,85 @@ void tst_MemoryMap::statusMapThroughBothPaths()
     QHash<QString, QVariant> toSend;
     QVERIFY(map.saveData(&toSend));
     QVERIFY(toSend.isEmpty());
+}
+
+void tst_MemoryMap::onePassAsEachItemAlone_data()
+{
+    QTest::addColumn<quint32>("seed");
+    for (quint32 seed : {1u, 7u, 42u, 2026u, 65521u})
+        QTest::newRow(qPrintable(QString::number(seed))) << seed;
+}
+
+// Random sets over a few arcs, so that start addresses lie within one another
+// and within OIDs in every way; each item reading the set alone is the
+// reference for the map's single pass.
+void tst_MemoryMap::onePassAsEachItemAlone()
+{
+    QFETCH(quint32, seed);
+    QRandomGenerator random(seed);
+    const QStringList arcs {"1", "2", "3", "12", "21", "32473"};
+    const auto oid = [&](int most) {
+        QString text = random.bounded(2) ? QStringLiteral(".") : QString();
+        for (int n = 1 + random.bounded(most); n > 0; --n)
+            text += arcs.at(random.bounded(arcs.size())) + (n > 1 ? "." : "");
+        return text;
+    };
+    QLoggingCategory::setFilterRules(QStringLiteral("muxcore.memory.warning=false"));
+    MemoryMap map;
+    std::vector<std::unique_ptr<BaseRawType>> alone;
+    QStringList used {QString()};
+    for (int i = 0; i < 40; ++i) {
+        used << (random.bounded(4) ? oid(4) : used.at(random.bounded(used.size())));
+        map.addItem(QString::number(i), new U8Array);
+        alone.emplace_back(new U8Array);
+        map.getItem(QString::number(i))->setStartAddress(used.last());
+        alone.back()->setStartAddress(used.last());
+    }
+    for (int round = 0; round < 4; ++round) {
+        QHash<QString, QVariant> set;
+        for (int k = random.bounded(300); k > 0; --k)
+            set.insert(oid(7), random.generate());
+        const int moved = random.bounded(40);
+        map.getItem(QString::number(moved))->setStartAddress(used.at(round));
+        alone[size_t(moved)]->setStartAddress(used.at(round));
+        QVERIFY(map.loadData(&set));
+        for (int i = 0; i < 40; ++i) {
+            QVERIFY(alone[size_t(i)]->readData(&set));
+            QCOMPARE(map.getItem(QString::number(i))->getSnmpData(), alone[size_t(i)]->getSnmpData());
+        }
+    }
+    QLoggingCategory::setFilterRules(QString());
+}
+
+void tst_MemoryMap::overridesAndWarnings()
+{
+    MemoryMap map;
+    map.addItem(QStringLiteral("a"), u8(0, unit + ".2.1"));
+    map.addItem(QStringLiteral("b"), u8(0, unit + ".2.10"));
+    auto *refusing = new Refusing;
+    map.addItem(QStringLiteral("c"), refusing);
+    map.addItem(QStringLiteral("d"), u8(0, unit + ".3"));
+    QHash<QString, QVariant> set {{unit + ".2.10.0", 200}, {unit + ".3.0", 1}};
+    QTest::ignoreMessage(
+        QtWarningMsg, QRegularExpression("\\.2\\.1\" of item \"a\" lies within .* of item \"b\""));
+    QVERIFY(!map.loadData(&set));
+    QCOMPARE(refusing->seen, 2);
+    QCOMPARE(map.getItem(QStringLiteral("a"))->getSnmpData().keys(), QList<QString> {unit + ".2.10.0"});
+    QVERIFY(map.getItem(QStringLiteral("d"))->getSnmpData().isEmpty());
+
+    // A moved address is checked again, against every item.
+    map.getItem(QStringLiteral("d"))->setStartAddress(unit + ".2.10.0");
+    QTest::ignoreMessage(QtWarningMsg, QRegularExpression("item \"a\" lies within .* of item \"d\""));
+    QTest::ignoreMessage(QtWarningMsg, QRegularExpression("item \"b\" lies within .* of item \"d\""));
+    QVERIFY(!map.loadData(&set));
+
+    // OIDs without the leading dot miss the counters' dotted address.
+    StatusMemoryMap status(nullptr);
+    auto *g826 = new Tg826;
+    status.addItem(QStringLiteral("g826"), g826);
+    QHash<QString, QVariant> undotted {{g826->getSnmpStartAddress().mid(1) + ".1.2.1", 5u}};
+    QTest::ignoreMessage(QtWarningMsg, QRegularExpression("^No item took any of the 1 variables received"));
+    QVERIFY(status.loadData(&undotted));
 }
 
 QTEST_GUILESS_MAIN(tst_MemoryMap)

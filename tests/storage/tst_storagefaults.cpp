@@ -23,33 +23,22 @@ namespace {
 
 // Runs file access of this thread as an unprivileged user while it lives, so
 // that permissions bite also when the tests run as root.
-class Unprivileged
+struct Unprivileged
 {
-public:
-    Unprivileged()
-    {
 #if defined(Q_OS_LINUX)
-        if (geteuid() == 0) {
-            setfsgid(65534);
-            setfsuid(65534);
-            dropped = true;
-        }
-#endif
+    Unprivileged()
+        : dropped(geteuid() == 0)
+    {
+        if (dropped)
+            setfsgid(65534), setfsuid(65534);
     }
     ~Unprivileged()
     {
-#if defined(Q_OS_LINUX)
-        if (dropped) {
-            setfsuid(0);
-            setfsgid(0);
-        }
-#endif
+        if (dropped)
+            setfsuid(0), setfsgid(0);
     }
-    Unprivileged(const Unprivileged &) = delete;
-    Unprivileged &operator=(const Unprivileged &) = delete;
-
-private:
-    bool dropped = false;
+    const bool dropped;
+#endif
 };
 
 const QFile::Permissions openToAll = QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner | QFile::ReadGroup
@@ -63,211 +52,167 @@ class tst_StorageFaults : public QObject
 {
     Q_OBJECT
 private slots:
-    void init();
-    void cleanup();
-    void saveRefused_data();
-    void saveRefused();
-    void readUnreadable();
-    void snapshotOverUnreadable();
-    void snapshotOverLinkLoopsAndPipes();
+    void init()
+    {
+        dir.reset(new QTemporaryDir);
+        QVERIFY(dir->isValid());
+        // Others must reach inside for the unprivileged part of the tests.
+        QVERIFY(QFile::setPermissions(dir->path(), openToAll));
+    }
+    void cleanup()
+    {
+        // Give everything back, so that the folder can be removed.
+        QDirIterator it(dir->path(), QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden | QDir::System,
+            QDirIterator::Subdirectories);
+        QFile::setPermissions(dir->path(), openToAll);
+        while (it.hasNext()) {
+            const QString path = it.next();
+            if (!QFileInfo(path).isSymLink())
+                QFile::setPermissions(path, openToAll | QFile::WriteGroup);
+        }
+        dir.reset();
+    }
+    void saveIntoReadOnlyFolderKeepsEarlierFile()
+    {
+        if (!permissionsBite())
+            QSKIP("file permissions are not enforced for this process");
+        QVERIFY(QDir(dir->path()).mkdir("unit"));
+        QVERIFY(QFile::setPermissions(at("unit"), openToAll | QFile::WriteOther));
+        const QString path = at("unit/settings.dvsf");
+        DeviceSettingsEx earlier {0, "Vantor-QX10", 0, 0, {}, "earlier image"};
+        QVERIFY(SaveSettings::save(earlier, path));
+        const QByteArray earlierBytes = readFile(path);
+        QVERIFY(QFile::setPermissions(at("unit"), readOnlyFolder));
+        DeviceSettingsEx later {0, {}, 0, 0, {}, "later image"};
+        {
+            Unprivileged unprivileged;
+            QVERIFY(!SaveSettings::save(later, path));
+        }
+        // The digest is still brought up to date for the caller.
+        QCOMPARE(later.hash, QCryptographicHash::hash("later image", QCryptographicHash::Sha256));
+        QCOMPARE(readFile(path), earlierBytes);
+        // No temporary file is left behind beside it.
+        QCOMPARE(QDir(at("unit")).entryList(QDir::Files | QDir::Hidden), QStringList {"settings.dvsf"});
+    }
+
+    void readUnreadable()
+    {
+        if (!permissionsBite())
+            QSKIP("file permissions are not enforced for this process");
+        const QString path = at("locked.dvsf");
+        DeviceSettingsEx stored {0, {}, 0, 0, {}, "image"};
+        QVERIFY(SaveSettings::save(stored, path));
+        QVERIFY(QFile::setPermissions(path, QFile::Permissions()));
+        DeviceSettingsEx settings {0, "untouched", 0, 77, {}, {}};
+        {
+            Unprivileged unprivileged;
+            QVERIFY(!SaveSettings::read(settings, path));
+        }
+        QCOMPARE(settings, (DeviceSettingsEx {0, "untouched", 0, 77, {}, {}}));
+    }
+
+    void snapshotOverUnreadable()
+    {
+        if (!permissionsBite())
+            QSKIP("file permissions are not enforced for this process");
+        const QString root = at("tree");
+        QVERIFY(QDir().mkpath(root + "/closed"));
+        QVERIFY(writeFile(root + "/open.txt", "open"));
+        QVERIFY(writeFile(root + "/secret.txt", "secret"));
+        QVERIFY(writeFile(root + "/closed/inner.txt", "inner"));
+        QVERIFY(QFile::setPermissions(root, openToAll));
+
+        FileSystemCheck check;
+        check.setPath(root);
+        const QString snapshot = check.toString();
+
+        QVERIFY(QFile::setPermissions(root + "/secret.txt", QFile::Permissions()));
+        QVERIFY(QFile::setPermissions(root + "/closed", QFile::Permissions()));
+        QString report;
+        FileSystemCheck unprivilegedCheck;
+        {
+            Unprivileged unprivileged;
+            report = check.compare(root);
+            unprivilegedCheck.setPath(root);
+        }
+        // What cannot be read counts as changed; what cannot be listed, as gone.
+        QStringList lines = report.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+        lines.sort();
+        QCOMPARE(lines,
+            (QStringList {"BAD HASH:" + root + "/secret.txt", "NOT EXIST:" + root + "/closed/inner.txt"}));
+
+        // A snapshot taken without access has no digest for the file, and the
+        // file then reads as changed once it can be read again.
+        FileSystemCheck restored;
+        QVERIFY(restored.fromString(unprivilegedCheck.toString()));
+        QVERIFY(QFile::setPermissions(root + "/secret.txt", openToAll));
+        QVERIFY(QFile::setPermissions(root + "/closed", openToAll));
+        QCOMPARE(restored.compare(root), "BAD HASH:" + root + "/secret.txt\n");
+        QVERIFY(check.fromString(snapshot));
+        QCOMPARE(check.compare(root), QString());
+    }
+    void snapshotOverLinkLoopsAndPipes()
+    {
+        const QString root = at("tree");
+        QVERIFY(QDir().mkpath(root + "/sub"));
+        QVERIFY(writeFile(root + "/sub/data.bin", QByteArray(1000, 'd')));
+        if (!QFile::link(root + "/b", root + "/a") || !QFile::link(root + "/a", root + "/b")
+            || !QFile::link(root + "/self", root + "/self")
+            || !QFile::link(root + "/gone", root + "/dangling") || !QFile::link(root, root + "/sub/up"))
+            QSKIP("symbolic links are not available here");
+#if defined(Q_OS_UNIX)
+        QCOMPARE(mkfifo(QFile::encodeName(root + "/sub/pipe").constData(), 0600), 0);
+#endif
+
+        // Must end, and must not wait for a writer on the pipe. Links that lead
+        // nowhere and pipes are not regular entries of a listing and stay out.
+        FileSystemCheck check;
+        check.setPath(root);
+        const QString snapshot = check.toString();
+        QCOMPARE(check.compare(root), QString());
+
+        FSItem top;
+        check.calcFileInfo(QFileInfo(root), &top);
+        QCOMPARE(top.children.size(), 1);
+        const FSItem &sub = top.children.first();
+        QCOMPARE(sub.path, root + "/sub");
+        QStringList names;
+        for (const FSItem &child : sub.children) {
+            names << QFileInfo(child.path).fileName();
+            // The link back up is listed as a folder, not followed.
+            QVERIFY(child.type == (names.last() == "up" ? FSItem::Directory : FSItem::File)
+                && child.children.isEmpty());
+        }
+        names.sort();
+        QCOMPARE(names, (QStringList {"data.bin", "up"}));
+
+        // Breaking the loop is no change; the data file is.
+        QVERIFY(QFile::remove(root + "/b"));
+        QVERIFY(writeFile(root + "/sub/data.bin", "changed"));
+        FileSystemCheck stored;
+        QVERIFY(stored.fromString(snapshot));
+        QCOMPARE(stored.compare(root), QString("BAD HASH:" + root + "/sub/data.bin\n"));
+    }
 
 private:
-    QString at(const QString &relative) const { return dir->filePath(relative); }
+    QString at(const QString &relative) const
+    {
+        return dir->filePath(relative);
+    }
     // Whether this process is kept out of an unreadable file; false where
     // permissions cannot be made to bite.
-    bool permissionsBite();
+    bool permissionsBite()
+    {
+        const QString probe = at("probe");
+        if (!writeFile(probe, "x") || !QFile::setPermissions(probe, QFile::Permissions()))
+            return false;
+        Unprivileged unprivileged;
+        QFile file(probe);
+        return !file.open(QIODevice::ReadOnly);
+    }
 
     QScopedPointer<QTemporaryDir> dir;
 };
-
-void tst_StorageFaults::init()
-{
-    dir.reset(new QTemporaryDir);
-    QVERIFY(dir->isValid());
-    // Others must reach inside for the unprivileged part of the tests.
-    QVERIFY(QFile::setPermissions(dir->path(), openToAll));
-}
-
-void tst_StorageFaults::cleanup()
-{
-    // Give everything back, so that the folder can be removed.
-    QDirIterator it(dir->path(), QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden | QDir::System,
-        QDirIterator::Subdirectories);
-    QFile::setPermissions(dir->path(), openToAll);
-    while (it.hasNext()) {
-        const QString path = it.next();
-        if (!QFileInfo(path).isSymLink())
-            QFile::setPermissions(path, openToAll | QFile::WriteGroup);
-    }
-    dir.reset();
-}
-
-bool tst_StorageFaults::permissionsBite()
-{
-    const QString probe = at("probe");
-    if (!writeFile(probe, "x") || !QFile::setPermissions(probe, QFile::Permissions()))
-        return false;
-    Unprivileged unprivileged;
-    QFile file(probe);
-    return !file.open(QIODevice::ReadOnly);
-}
-
-void tst_StorageFaults::saveRefused_data()
-{
-    QTest::addColumn<QString>("fault");
-
-    QTest::newRow("read-only folder") << "read-only folder";
-    QTest::newRow("folder vanished") << "vanished";
-}
-
-void tst_StorageFaults::saveRefused()
-{
-    QFETCH(QString, fault);
-    if (fault != QLatin1String("vanished") && !permissionsBite())
-        QSKIP("file permissions are not enforced for this process");
-
-    QVERIFY(QDir(dir->path()).mkdir("unit"));
-    QVERIFY(QFile::setPermissions(at("unit"), openToAll | QFile::WriteOther));
-    const QString path = at("unit/settings.dvsf");
-    DeviceSettingsEx earlier;
-    earlier.deviceName = QStringLiteral("Vantor-QX10");
-    earlier.data = "earlier image";
-    QVERIFY(SaveSettings::save(earlier, path));
-    const QByteArray earlierBytes = readFile(path);
-
-    if (fault == QLatin1String("read-only folder"))
-        QVERIFY(QFile::setPermissions(at("unit"), readOnlyFolder));
-    else
-        QVERIFY(QDir(at("unit")).removeRecursively());
-
-    DeviceSettingsEx later;
-    later.data = "later image";
-    {
-        Unprivileged unprivileged;
-        QVERIFY(!SaveSettings::save(later, path));
-    }
-    // The digest is still brought up to date for the caller.
-    QCOMPARE(later.hash, QCryptographicHash::hash("later image", QCryptographicHash::Sha256));
-
-    if (fault == QLatin1String("vanished")) {
-        QVERIFY(!QFileInfo::exists(at("unit")));
-        return;
-    }
-    QCOMPARE(readFile(path), earlierBytes);
-    // No temporary file is left behind beside it.
-    QCOMPARE(QDir(at("unit")).entryList(QDir::Files | QDir::Hidden), QStringList {"settings.dvsf"});
-    DeviceSettingsEx back;
-    QVERIFY(SaveSettings::read(back, path));
-    QCOMPARE(back.data, QByteArray("earlier image"));
-    QVERIFY(!back.isCorrupted());
-}
-
-void tst_StorageFaults::readUnreadable()
-{
-    if (!permissionsBite())
-        QSKIP("file permissions are not enforced for this process");
-    const QString path = at("locked.dvsf");
-    DeviceSettingsEx stored;
-    stored.data = "image";
-    QVERIFY(SaveSettings::save(stored, path));
-    QVERIFY(QFile::setPermissions(path, QFile::Permissions()));
-
-    DeviceSettingsEx settings;
-    settings.deviceName = QStringLiteral("untouched");
-    settings.param32 = 77;
-    {
-        Unprivileged unprivileged;
-        QVERIFY(!SaveSettings::read(settings, path));
-    }
-    QCOMPARE(settings.deviceName, QStringLiteral("untouched"));
-    QCOMPARE(settings.param32, 77);
-    QVERIFY(settings.data.isEmpty());
-}
-
-void tst_StorageFaults::snapshotOverUnreadable()
-{
-    if (!permissionsBite())
-        QSKIP("file permissions are not enforced for this process");
-    const QString root = at("tree");
-    QVERIFY(QDir().mkpath(root + "/closed"));
-    QVERIFY(writeFile(root + "/open.txt", "open"));
-    QVERIFY(writeFile(root + "/secret.txt", "secret"));
-    QVERIFY(writeFile(root + "/closed/inner.txt", "inner"));
-    QVERIFY(QFile::setPermissions(root, openToAll));
-
-    FileSystemCheck check;
-    check.setPath(root);
-    const QString snapshot = check.toString();
-
-    QVERIFY(QFile::setPermissions(root + "/secret.txt", QFile::Permissions()));
-    QVERIFY(QFile::setPermissions(root + "/closed", QFile::Permissions()));
-    QString report;
-    FileSystemCheck unprivilegedCheck;
-    {
-        Unprivileged unprivileged;
-        report = check.compare(root);
-        unprivilegedCheck.setPath(root);
-    }
-    // What cannot be read counts as changed; what cannot be listed, as gone.
-    QStringList lines = report.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
-    lines.sort();
-    QCOMPARE(
-        lines, (QStringList {"BAD HASH:" + root + "/secret.txt", "NOT EXIST:" + root + "/closed/inner.txt"}));
-
-    // A snapshot taken without access has no digest for the file, and the
-    // file then reads as changed once it can be read again.
-    FileSystemCheck restored;
-    QVERIFY(restored.fromString(unprivilegedCheck.toString()));
-    QVERIFY(QFile::setPermissions(root + "/secret.txt", openToAll));
-    QVERIFY(QFile::setPermissions(root + "/closed", openToAll));
-    QCOMPARE(restored.compare(root), "BAD HASH:" + root + "/secret.txt\n");
-    QVERIFY(check.fromString(snapshot));
-    QCOMPARE(check.compare(root), QString());
-}
-
-void tst_StorageFaults::snapshotOverLinkLoopsAndPipes()
-{
-    const QString root = at("tree");
-    QVERIFY(QDir().mkpath(root + "/sub"));
-    QVERIFY(writeFile(root + "/sub/data.bin", QByteArray(1000, 'd')));
-    if (!QFile::link(root + "/b", root + "/a") || !QFile::link(root + "/a", root + "/b")
-        || !QFile::link(root + "/self", root + "/self") || !QFile::link(root + "/gone", root + "/dangling")
-        || !QFile::link(root, root + "/sub/up"))
-        QSKIP("symbolic links are not available here");
-#if defined(Q_OS_UNIX)
-    QCOMPARE(mkfifo(QFile::encodeName(root + "/sub/pipe").constData(), 0600), 0);
-#endif
-
-    // Must end, and must not wait for a writer on the pipe. Links that lead
-    // nowhere and pipes are not regular entries of a listing and stay out.
-    FileSystemCheck check;
-    check.setPath(root);
-    const QString snapshot = check.toString();
-    QCOMPARE(check.compare(root), QString());
-
-    FSItem top;
-    check.calcFileInfo(QFileInfo(root), &top);
-    QCOMPARE(top.children.size(), 1);
-    const FSItem &sub = top.children.first();
-    QCOMPARE(sub.path, root + "/sub");
-    QStringList names;
-    for (const FSItem &child : sub.children)
-        names << QFileInfo(child.path).fileName();
-    names.sort();
-    QCOMPARE(names, (QStringList {"data.bin", "up"}));
-    // The link back up is listed as a folder, not followed.
-    for (const FSItem &child : sub.children) {
-        if (child.path.endsWith("/up"))
-            QVERIFY(child.type == FSItem::Directory && child.children.isEmpty());
-    }
-
-    // Breaking the loop is no change; the data file is.
-    QVERIFY(QFile::remove(root + "/b"));
-    QVERIFY(writeFile(root + "/sub/data.bin", "changed"));
-    FileSystemCheck stored;
-    QVERIFY(stored.fromString(snapshot));
-    QCOMPARE(stored.compare(root), QString("BAD HASH:" + root + "/sub/data.bin\n"));
-}
 
 QTEST_MAIN(tst_StorageFaults)
 #include "tst_storagefaults.moc"

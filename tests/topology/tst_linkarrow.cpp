@@ -7,19 +7,6 @@
 
 #include <QGraphicsScene>
 
-class tst_LinkArrow : public QObject
-{
-    Q_OBJECT
-private slots:
-    void headOnPanelEdge_data();
-    void headOnPanelEdge();
-    void followsItsEnds();
-    void boundsAndPainting();
-    void highlightPropagation_data();
-    void highlightPropagation();
-    void againstDirectionStopsTheWalk();
-};
-
 namespace {
 
 // Units of 100 × 40 (centre points at pos + (57, 27)) in a chain
@@ -53,119 +40,118 @@ struct Chain
 
 } // namespace
 
-void tst_LinkArrow::headOnPanelEdge_data()
+class tst_LinkArrow : public QObject
 {
-    QTest::addColumn<QPointF>("endPos");
-    QTest::addColumn<QPolygonF>("head");
-    // Worked out by hand with the rounded angle constants.
-    QTest::newRow("end to the right")
-        << QPointF(300, 0) << QPolygonF({{300, 27}, {290.50132, 23.87350}, {290.47672, 30.05076}});
-    QTest::newRow("end below") << QPointF(0, 200)
-                               << QPolygonF({{57, 200}, {60.09623, 190.49141}, {53.91892, 190.48649}});
-}
+    Q_OBJECT
+private slots:
+    void headOnPanelEdge_data()
+    {
+        QTest::addColumn<QPointF>("endPos");
+        QTest::addColumn<QPolygonF>("head");
+        // Worked out by hand with the rounded angle constants.
+        QTest::newRow("end to the right")
+            << QPointF(300, 0) << QPolygonF({{300, 27}, {290.50132, 23.87350}, {290.47672, 30.05076}});
+        QTest::newRow("end below") << QPointF(0, 200)
+                                   << QPolygonF({{57, 200}, {60.09623, 190.49141}, {53.91892, 190.48649}});
+    }
+    void headOnPanelEdge()
+    {
+        QFETCH(QPointF, endPos);
+        QFETCH(QPolygonF, head);
+        Chain c({QPointF(0, 0), endPos});
+        QCOMPARE(c.l[0]->type(), 65540);
+        // The line runs from the tip back to the start's centre point.
+        QCOMPARE(c.l[0]->line(), QLineF(head.first(), QPointF(57, 27)));
+        const QPolygonF drawn = c.l[0]->getArrowHead();
+        QCOMPARE(drawn.size(), 3);
+        for (int i = 0; i < 3; ++i)
+            QVERIFY(QLineF(drawn.at(i), head.at(i)).length() < 1e-3);
+    }
+    void followsItsEnds()
+    {
+        Chain c({QPointF(0, 0), QPointF(300, 0)});
+        // From (57, 27) to (357, 127) the line enters the left edge at y = 27 + 100 * 243 / 300.
+        c.u[1]->setPos(300, 100);
+        QCOMPARE(c.l[0]->line(), QLineF(QPointF(300, 108), QPointF(57, 27)));
+        c.u[0]->setPos(0, 100);
+        c.u[0]->updateFrontPanel("dimension: 10x2");
+        QCOMPARE(c.l[0]->line(), QLineF(QPointF(300, 127), QPointF(107, 127)));
+        // From (107, 127) to (77, 137) the line stays inside the end panel: no head.
+        c.u[1]->setPos(20, 110);
+        QVERIFY(c.l[0]->getArrowHead().isEmpty());
+    }
+    void boundsAndPainting()
+    {
+        // Tip at x = 157, start centre at x = 57: a horizontal line of 100.
+        Chain near({QPointF(0, 0), QPointF(157, 0)});
+        near.u[0]->setHighLight(DeviceItem::HighLightForward);
+        QCOMPARE(near.l[0]->boundingRect(), QRectF(57 - 11.5, 27 - 11.5, 123, 23));
+        // The head is part of the clickable shape.
+        QVERIFY(near.l[0]->shape().contains(QPointF(150, 29)));
+        QVERIFY(!near.l[0]->shape().contains(QPointF(100, 34)));
 
-void tst_LinkArrow::headOnPanelEdge()
-{
-    QFETCH(QPointF, endPos);
-    QFETCH(QPolygonF, head);
-    Chain c({QPointF(0, 0), endPos});
-    QCOMPARE(c.l[0]->type(), 65540);
-    // The line runs from the tip back to the start's centre point.
-    QCOMPARE(c.l[0]->line(), QLineF(head.first(), QPointF(57, 27)));
-    const QPolygonF drawn = c.l[0]->getArrowHead();
-    QCOMPARE(drawn.size(), 3);
-    for (int i = 0; i < 3; ++i)
-        QVERIFY(QLineF(drawn.at(i), head.at(i)).length() < 1e-3);
-}
+        Chain c({QPointF(0, 0), QPointF(300, 0)});
+        // The head spreads beyond the 3-pixel line just before the tip.
+        QCOMPARE(c.pixel(292, 24), QColor(Qt::black));
+        QCOMPARE(c.pixel(292, 29), QColor(Qt::black));
+        QCOMPARE(c.pixel(200, 24), QColor(Qt::white));
+        QCOMPARE(c.pixel(303, 27), QColor(Qt::white));
+        c.l[0]->setSelected(true);
+        const QImage image = renderScene(&c.scene, QRect(0, 0, 420, 60));
+        int dots = 0;
+        for (int x = 160; x < 280; ++x)
+            dots += pixelAt(image, x, 27) == QColor(200, 0, 0);
+        QVERIFY2(dots > 30 && dots < 90, qPrintable(QString::number(dots)));
+    }
+    void highlightPropagation_data()
+    {
+        QTest::addColumn<int>("unit");
+        QTest::addColumn<int>("mode");
+        QTest::addColumn<QList<int>>("modes"); // units 0 to 2, then links 0 and 1
 
-void tst_LinkArrow::followsItsEnds()
-{
-    Chain c({QPointF(0, 0), QPointF(300, 0)});
-    // From (57, 27) to (357, 127) the line enters the left edge at y = 27 + 100 * 243 / 300.
-    c.u[1]->setPos(300, 100);
-    QCOMPARE(c.l[0]->line(), QLineF(QPointF(300, 108), QPointF(57, 27)));
-    c.u[0]->setPos(0, 100);
-    c.u[0]->updateFrontPanel("dimension: 10x2");
-    QCOMPARE(c.l[0]->line(), QLineF(QPointF(300, 127), QPointF(107, 127)));
-    // From (107, 127) to (77, 137) the line stays inside the end panel: no head.
-    c.u[1]->setPos(20, 110);
-    QVERIFY(c.l[0]->getArrowHead().isEmpty());
-}
+        QTest::newRow("forward from the head") << 0 << 0 << QList<int> {0, 0, 0, 0, 0};
+        QTest::newRow("forward from the middle") << 1 << 0 << QList<int> {3, 0, 0, 0, 0};
+        QTest::newRow("forward from the tail") << 2 << 0 << QList<int> {3, 3, 0, 3, 0};
+        QTest::newRow("backward from the tail") << 2 << 1 << QList<int> {1, 1, 1, 1, 1};
+        QTest::newRow("backward from the head") << 0 << 1 << QList<int> {1, 3, 3, 1, 3};
+        QTest::newRow("both from the middle") << 1 << 2 << QList<int> {2, 2, 2, 2, 2};
+    }
+    void highlightPropagation()
+    {
+        QFETCH(int, unit);
+        QFETCH(int, mode);
+        QFETCH(QList<int>, modes);
 
-void tst_LinkArrow::boundsAndPainting()
-{
-    // Tip at x = 157, start centre at x = 57: a horizontal line of 100.
-    Chain near({QPointF(0, 0), QPointF(157, 0)});
-    near.u[0]->setHighLight(DeviceItem::HighLightForward);
-    QCOMPARE(near.l[0]->boundingRect(), QRectF(57 - 11.5, 27 - 11.5, 123, 23));
-    // The head is part of the clickable shape.
-    QVERIFY(near.l[0]->shape().contains(QPointF(150, 29)));
-    QVERIFY(!near.l[0]->shape().contains(QPointF(100, 34)));
+        Chain c({QPointF(0, 0), QPointF(300, 0), QPointF(600, 0)});
+        auto current = [&c]() {
+            return QList<int> {c.u[0]->getHighLightMode(), c.u[1]->getHighLightMode(),
+                c.u[2]->getHighLightMode(), c.l[0]->getHighLightMode(), c.l[1]->getHighLightMode()};
+        };
+        c.u[unit]->setHighLight(static_cast<DeviceItem::HighLightMode>(mode));
+        QCOMPARE(current(), modes);
+        // Switching off the units clears everything they reached.
+        c.u[2 - unit]->setHighLight(DeviceItem::HighLightOff);
+        c.u[unit]->setHighLight(DeviceItem::HighLightOff);
+        QCOMPARE(current(), (QList<int> {3, 3, 3, 3, 3}));
+    }
+    void againstDirectionStopsTheWalk()
+    {
+        Chain c({QPointF(0, 0), QPointF(300, 0)});
+        // Met from its end by a forward highlight: the mode is stored, nothing lit.
+        c.u[1]->setHighLight(DeviceItem::HighLightForward);
+        QCOMPARE(c.l[0]->getHighLightMode(), DeviceItem::HighLightForward);
+        // So the same mode from the start returns at once and the link stays black.
+        c.u[0]->setHighLight(DeviceItem::HighLightForward);
+        QCOMPARE(c.pixel(200, 28), QColor(Qt::black));
+        c.u[0]->setHighLight(DeviceItem::HighLightBoth);
+        QCOMPARE(c.pixel(200, 28), QColor(90, 255, 90));
 
-    Chain c({QPointF(0, 0), QPointF(300, 0)});
-    // The head spreads beyond the 3-pixel line just before the tip.
-    QCOMPARE(c.pixel(292, 24), QColor(Qt::black));
-    QCOMPARE(c.pixel(292, 29), QColor(Qt::black));
-    QCOMPARE(c.pixel(200, 24), QColor(Qt::white));
-    QCOMPARE(c.pixel(303, 27), QColor(Qt::white));
-    c.l[0]->setSelected(true);
-    const QImage image = renderScene(&c.scene, QRect(0, 0, 420, 60));
-    int dots = 0;
-    for (int x = 160; x < 280; ++x)
-        dots += pixelAt(image, x, 27) == QColor(200, 0, 0);
-    QVERIFY2(dots > 30 && dots < 90, qPrintable(QString::number(dots)));
-}
-
-void tst_LinkArrow::highlightPropagation_data()
-{
-    QTest::addColumn<int>("unit");
-    QTest::addColumn<int>("mode");
-    QTest::addColumn<QList<int>>("modes"); // units 0 to 2, then links 0 and 1
-
-    QTest::newRow("forward from the head") << 0 << 0 << QList<int> {0, 0, 0, 0, 0};
-    QTest::newRow("forward from the middle") << 1 << 0 << QList<int> {3, 0, 0, 0, 0};
-    QTest::newRow("forward from the tail") << 2 << 0 << QList<int> {3, 3, 0, 3, 0};
-    QTest::newRow("backward from the tail") << 2 << 1 << QList<int> {1, 1, 1, 1, 1};
-    QTest::newRow("backward from the head") << 0 << 1 << QList<int> {1, 3, 3, 1, 3};
-    QTest::newRow("both from the middle") << 1 << 2 << QList<int> {2, 2, 2, 2, 2};
-}
-
-void tst_LinkArrow::highlightPropagation()
-{
-    QFETCH(int, unit);
-    QFETCH(int, mode);
-    QFETCH(QList<int>, modes);
-
-    Chain c({QPointF(0, 0), QPointF(300, 0), QPointF(600, 0)});
-    auto current = [&c]() {
-        return QList<int> {c.u[0]->getHighLightMode(), c.u[1]->getHighLightMode(), c.u[2]->getHighLightMode(),
-            c.l[0]->getHighLightMode(), c.l[1]->getHighLightMode()};
-    };
-    c.u[unit]->setHighLight(static_cast<DeviceItem::HighLightMode>(mode));
-    QCOMPARE(current(), modes);
-    // Switching off the units clears everything they reached.
-    c.u[2 - unit]->setHighLight(DeviceItem::HighLightOff);
-    c.u[unit]->setHighLight(DeviceItem::HighLightOff);
-    QCOMPARE(current(), (QList<int> {3, 3, 3, 3, 3}));
-}
-
-void tst_LinkArrow::againstDirectionStopsTheWalk()
-{
-    Chain c({QPointF(0, 0), QPointF(300, 0)});
-    // Met from its end by a forward highlight: the mode is stored, nothing lit.
-    c.u[1]->setHighLight(DeviceItem::HighLightForward);
-    QCOMPARE(c.l[0]->getHighLightMode(), DeviceItem::HighLightForward);
-    // So the same mode from the start returns at once and the link stays black.
-    c.u[0]->setHighLight(DeviceItem::HighLightForward);
-    QCOMPARE(c.pixel(200, 28), QColor(Qt::black));
-    c.u[0]->setHighLight(DeviceItem::HighLightBoth);
-    QCOMPARE(c.pixel(200, 28), QColor(90, 255, 90));
-
-    // A unit set to the mode it holds leaves its links alone.
-    c.l[0]->setHighLight(nullptr, DeviceItem::HighLightBackward);
-    c.u[0]->setHighLight(DeviceItem::HighLightBoth);
-    QCOMPARE(c.l[0]->getHighLightMode(), DeviceItem::HighLightBackward);
-}
+        // A unit set to the mode it holds leaves its links alone.
+        c.l[0]->setHighLight(nullptr, DeviceItem::HighLightBackward);
+        c.u[0]->setHighLight(DeviceItem::HighLightBoth);
+        QCOMPARE(c.l[0]->getHighLightMode(), DeviceItem::HighLightBackward);
+    }
+};
 
 QTEST_MAIN(tst_LinkArrow)
 #include "tst_linkarrow.moc"

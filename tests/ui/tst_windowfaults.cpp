@@ -33,90 +33,74 @@ public slots:
     void updateData() { ++*updates; }
 };
 
-void storeAutoRefresh(bool on, int period)
-{
-    QSettings settings(QStringLiteral("Core"), QStringLiteral("DLL"));
-    settings.setValue(QStringLiteral("DeviceWindowState/isAutoRefreshEnabled"), on);
-    settings.setValue(QStringLiteral("DeviceWindowState/autoRefreshPeriod"), period);
-}
-
 } // namespace
 
 class tst_WindowFaults : public QObject
 {
     Q_OBJECT
 private slots:
-    void initTestCase();
-    void destroyedWhileRefreshRuns_data();
-    void destroyedWhileRefreshRuns();
-};
-
-void tst_WindowFaults::initTestCase()
-{
-    storeAutoRefresh(true, 1);
-}
-
-void tst_WindowFaults::destroyedWhileRefreshRuns_data()
-{
-    QTest::addColumn<QString>("how");
-
-    QTest::newRow("deleted at once") << "delete";
-    QTest::newRow("closed, deleted later") << "close";
-    QTest::newRow("deleted with a page refresh queued") << "queued refresh";
-}
-
-void tst_WindowFaults::destroyedWhileRefreshRuns()
-{
-    QFETCH(QString, how);
-
-    int updates = 0;
-    int refreshes = 0;
-    QPointer<Window> window = new Window;
-    auto *first = new Page;
-    auto *second = new Page;
-    first->updates = second->updates = &updates;
-    window->addPanel(QStringLiteral("System"), first);
-    window->addPanel(QStringLiteral("Statistics.G826"), second);
-    connect(window.data(), &DeviceMainWindow::sendTreeItemPath, [&refreshes] { ++refreshes; });
-    window->show();
-    window->activateWindow();
-    QVERIFY(QTest::qWaitForWindowActive(window));
-    QPointer<QTimer> timer = window->refreshTimer;
-    QVERIFY(timer->isActive());
-    const quint8 shown = DeviceMainWindow::getWindowsCount();
-
-    // Let the clock tick once, so the window is mid-way through its period.
-    window->tree()->setCurrentIndex(window->model->item(0)->index());
-    QSignalSpy ticks(timer.data(), &QTimer::timeout);
-    QVERIFY(ticks.wait(3000));
-    QVERIFY(refreshes >= 1);
-
-    if (how == QLatin1String("delete")) {
-        delete window;
-    } else if (how == QLatin1String("close")) {
-        window->setAttribute(Qt::WA_DeleteOnClose);
-        QVERIFY(window->close());
-    } else {
-        window->tree()->setCurrentIndex(window->model->item(1)->child(0)->index());
-        delete window;
+    void initTestCase()
+    {
+        QSettings settings(QStringLiteral("Core"), QStringLiteral("DLL"));
+        settings.setValue(QStringLiteral("DeviceWindowState/isAutoRefreshEnabled"), true);
+        settings.setValue(QStringLiteral("DeviceWindowState/autoRefreshPeriod"), 1);
     }
-    QTRY_VERIFY(!window);
-    QVERIFY(!timer);
-    // Closing counts the window out, and so does its destruction.
-    const int countedOut = how == QLatin1String("close") ? 2 : 1;
-    QCOMPARE(int(DeviceMainWindow::getWindowsCount()), qMax(0, int(shown) - countedOut));
+    void destroyedWhileRefreshRuns_data()
+    {
+        QTest::addColumn<QString>("how");
 
-    // A full period later nothing has fired: no refresh request, no page update.
-    const int refreshesAtEnd = refreshes;
-    const int updatesAtEnd = updates;
-    QTimer later;
-    later.setSingleShot(true);
-    QSignalSpy elapsed(&later, &QTimer::timeout);
-    later.start(1200);
-    QVERIFY(elapsed.wait(3000));
-    QCOMPARE(refreshes, refreshesAtEnd);
-    QCOMPARE(updates, updatesAtEnd);
-}
+        QTest::newRow("deleted at once") << "delete";
+        QTest::newRow("closed, deleted later") << "close";
+        QTest::newRow("deleted with a page refresh queued") << "queued refresh";
+    }
+    void destroyedWhileRefreshRuns()
+    {
+        QFETCH(QString, how);
+
+        int updates = 0;
+        int refreshes = 0;
+        QPointer<Window> window = new Window;
+        auto *first = new Page, *second = new Page;
+        first->updates = second->updates = &updates;
+        window->addPanel(QStringLiteral("System"), first);
+        window->addPanel(QStringLiteral("Statistics.G826"), second);
+        connect(window.data(), &DeviceMainWindow::sendTreeItemPath, [&refreshes] { ++refreshes; });
+        window->show();
+        window->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(window));
+        QPointer<QTimer> timer = window->refreshTimer;
+        QVERIFY(timer->isActive());
+        const quint8 shown = DeviceMainWindow::getWindowsCount();
+
+        // Let the clock tick once, so the window is mid-way through its period.
+        window->tree()->setCurrentIndex(window->model->item(0)->index());
+        QSignalSpy ticks(timer.data(), &QTimer::timeout);
+        QVERIFY(ticks.wait(3000));
+        QVERIFY(refreshes >= 1);
+
+        if (how == QLatin1String("delete")) {
+            delete window;
+        } else if (how == QLatin1String("close")) {
+            window->setAttribute(Qt::WA_DeleteOnClose);
+            QVERIFY(window->close());
+        } else {
+            window->tree()->setCurrentIndex(window->model->item(1)->child(0)->index());
+            delete window;
+        }
+        QTRY_VERIFY(!window);
+        QVERIFY(!timer);
+        // Closing counts the window out, and so does its destruction.
+        const int countedOut = how == QLatin1String("close") ? 2 : 1;
+        QCOMPARE(int(DeviceMainWindow::getWindowsCount()), qMax(0, int(shown) - countedOut));
+
+        // A full period later nothing has fired: no refresh request, no page update.
+        const int refreshesAtEnd = refreshes;
+        const int updatesAtEnd = updates;
+        QTest::qWait(1200);
+        QCOMPARE(refreshes, refreshesAtEnd);
+        QCOMPARE(updates, updatesAtEnd);
+    }
+};
 
 QTEST_MAIN(tst_WindowFaults)
 #include "tst_windowfaults.moc"

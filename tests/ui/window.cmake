@@ -1,2 +1,1 @@
 muxcore_add_test(tst_devicemainwindow SOURCES tst_devicemainwindow.cpp modalanswer.h)
-muxcore_add_test(tst_windowdialogs SOURCES tst_windowdialogs.cpp modalanswer.h)

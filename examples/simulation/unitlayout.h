@@ -76,6 +76,39 @@ enum Command : unsigned char {
 constexpr unsigned char answerBit = 0x80;
 constexpr unsigned char resultDone = 0;
 constexpr unsigned char resultRefused = 1;
+constexpr int clockSize = 8; // the unit date form, zero padded
+
+// A byte stream has no message boundaries: both ends know from the command
+// byte how long a request is, and from the result byte how long its answer.
+inline int requestLength(unsigned char command)
+{
+    switch (command) {
+    case CmdWriteConfig:
+        return 1 + configSize;
+    case CmdFactory:
+        return 2;
+    case CmdSetClock:
+        return 1 + clockSize;
+    default:
+        return 1;
+    }
+}
+// Zero while the answer's first two bytes are not there yet.
+inline int answerLength(const QByteArray &head)
+{
+    if (head.size() < 2)
+        return 0;
+    if (head.at(1) != static_cast<char>(resultDone))
+        return 2;
+    switch (static_cast<unsigned char>(head.at(0)) & ~answerBit) {
+    case CmdReadConfig:
+        return 2 + configSize;
+    case CmdReadStatus:
+        return 2 + statusSize;
+    default:
+        return 2;
+    }
+}
 
 // SNMP: the documentation enterprise number (RFC 5612) stands in for a
 // vendor's. Everything of the unit lies under the product arc.
@@ -136,16 +169,48 @@ inline QString oidFirmware()
 {
     return productArc() + QStringLiteral(".3.7");
 }
-// The G.826 table sits where the counter item expects it, under the vendor arc.
+// The UDP port the unit answers on, carried by every trap: units that share
+// one agent address are told apart by it.
+inline QString oidEndpointPort()
+{
+    return productArc() + QStringLiteral(".4.1.0");
+}
+// The unit's alarm level (Core::AlarmType), carried by every trap.
+inline QString oidAlarmLevel()
+{
+    return productArc() + QStringLiteral(".3.8.0");
+}
+// The G.826 table sits where the counter item expects it, under the vendor
+// arc. Every OID of the demo is written without a leading dot.
 inline QString oidG826()
 {
-    return QStringLiteral(".") + enterpriseArc() + QStringLiteral(".2.21.1.3.2.2");
+    return enterpriseArc() + QStringLiteral(".2.21.1.3.2.2");
 }
 
-// SNMP wire form used between the demo model and its simulated agent: a
-// QDataStream of the operation, the subtree or variables, and the answer's
-// result code with the variables. A real host hands these to its SNMP stack.
+// What the demo model asks of the host's SNMP transport, as request bytes: a
+// QDataStream of the operation and the subtree to walk or the variables to
+// set. The answer is the result code and the variables, the same way.
 enum SnmpOperation : unsigned char { SnmpGet = 1, SnmpSet = 2 };
+
+// The demo's network: every other unit is on SNMP, the rest on serial lines.
+inline bool isSnmpUnit(int index)
+{
+    return index % 2 == 1;
+}
+// One unit needs a password (firmware 2.4), one is exempt from it (2.7).
+inline unsigned short firmwareOf(int index)
+{
+    return index == 5 ? 0x0204 : (index == 7 ? 0x0207 : 0x0105);
+}
+// The unit's own IP address, from the documentation networks for SNMP units.
+inline QString unitIp(int index)
+{
+    if (!isSnmpUnit(index))
+        return QStringLiteral("10.1.%1.%2").arg(index / 250).arg(index % 250 + 1);
+    static const char *const networks[] = {"192.0.2", "198.51.100", "203.0.113"};
+    const int n = index / 2;
+    return QStringLiteral("%1.%2").arg(QLatin1String(networks[(n / 240) % 3])).arg(10 + n % 240);
+}
 
 // Model codes for device settings files.
 constexpr short deviceCode = 0x4E1;

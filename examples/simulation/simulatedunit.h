@@ -36,6 +36,10 @@ public:
 
     QByteArray handleSerial(const QByteArray &request);
     QByteArray handleSnmp(const QByteArray &request);
+    // Sets configuration variables and runs the control variable's command;
+    // false when a command was refused.
+    bool applySet(const QHash<QString, QVariant> &set);
+    static bool isWritable(const QString &oid);
 
     // One simulated second: counters grow, alarms may rise or clear.
     QList<Event> tick(QRandomGenerator &random);

@@ -141,6 +141,7 @@ QHash<QString, QVariant> SimulatedUnit::variables() const
     vars.insert(oidClock() + QStringLiteral(".0"),
         Convert::dateToString(QDateTime::currentDateTime().addMSecs(clockOffsetMs)));
     vars.insert(oidFirmware() + QStringLiteral(".0"), firmware);
+    vars.insert(oidAlarmLevel(), alarmLevel());
     for (int family = 0; family < 10; ++family) {
         for (int port = 0; port < portCount; ++port) {
             vars.insert(QStringLiteral("%1.1.%2.%3").arg(oidG826()).arg(family + 2).arg(port + 1),
@@ -244,6 +245,31 @@ void SimulatedUnit::setConfigVariable(const QString &oid, const QVariant &value)
     }
 }
 
+bool SimulatedUnit::applySet(const QHash<QString, QVariant> &set)
+{
+    bool done = true;
+    for (auto it = set.cbegin(); it != set.cend(); ++it) {
+        if (it.key() == oidControl()) {
+            const int code = it.value().toInt();
+            done = runCommand(static_cast<unsigned char>(code & 0xFF),
+                       QByteArray(1, static_cast<char>((code >> 8) & 0xFF)))
+                && done;
+        } else if (it.key() == oidClock() + QStringLiteral(".0")) {
+            const QByteArray date = it.value().toString().toLatin1();
+            done = runCommand(CmdSetClock, date) && done;
+        } else {
+            setConfigVariable(it.key(), it.value());
+        }
+    }
+    return done;
+}
+
+bool SimulatedUnit::isWritable(const QString &oid)
+{
+    return oid.startsWith(oidSystem() + QLatin1Char('.')) || oid.startsWith(oidPortTable() + QLatin1Char('.'))
+        || oid == oidControl() || oid == oidClock() + QStringLiteral(".0");
+}
+
 QByteArray SimulatedUnit::handleSnmp(const QByteArray &request)
 {
     if (isRestarting())
@@ -262,22 +288,8 @@ QByteArray SimulatedUnit::handleSnmp(const QByteArray &request)
                 result.insert(it.key(), it.value());
         }
     } else if (operation == SnmpSet) {
-        QHash<QString, QVariant> set;
-        in >> set;
-        for (auto it = set.cbegin(); it != set.cend(); ++it) {
-            if (it.key() == oidControl()) {
-                const int code = it.value().toInt();
-                done = runCommand(static_cast<unsigned char>(code & 0xFF),
-                           QByteArray(1, static_cast<char>((code >> 8) & 0xFF)))
-                    && done;
-            } else if (it.key() == oidClock() + QStringLiteral(".0")) {
-                const QByteArray date = it.value().toString().toLatin1();
-                done = runCommand(CmdSetClock, date) && done;
-            } else {
-                setConfigVariable(it.key(), it.value());
-            }
-            result.insert(it.key(), it.value());
-        }
+        in >> result;
+        done = applySet(result);
     } else {
         return QByteArray();
     }
@@ -304,6 +316,7 @@ SimulatedUnit::Event SimulatedUnit::makeEvent(const QString &what, int port) con
     // snmpTrapOID.0 names the notification; the rest are its variables.
     event.variables.insert(
         QStringLiteral("1.3.6.1.6.3.1.1.4.1.0"), productArc() + QStringLiteral(".0.") + what);
+    event.variables.insert(oidAlarmLevel(), event.alarm);
     if (port >= 0)
         event.variables.insert(
             portOid(oidPortStatus(), colPortState, port), static_cast<int>(portState(port)) + 1);

@@ -1,0 +1,285 @@
+#include <memory/memorymap.h>
+#include <memory/u8array.h>
+#include <snmp/snmpclient.h>
+
+#include <QProcess>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QUdpSocket>
+#include <QtTest>
+
+using Variables = QHash<QString, QVariant>;
+
+namespace {
+
+const QString sysDescr = QStringLiteral(".1.3.6.1.2.1.1.1.0");
+const QString sysContact = QStringLiteral(".1.3.6.1.2.1.1.4.0");
+const QString sysLocation = QStringLiteral(".1.3.6.1.2.1.1.6.0");
+
+quint16 freePort()
+{
+    QUdpSocket socket;
+    socket.bind(QHostAddress(QHostAddress::LocalHost), 0);
+    return socket.localPort();
+}
+
+SnmpTarget target(
+    quint16 port, SnmpTarget::Version version, const QString &community = QStringLiteral("private"))
+{
+    SnmpTarget t;
+    t.host = QHostAddress::LocalHost;
+    t.port = port;
+    t.version = version;
+    t.community = community;
+    t.timeout = 300;
+    t.retries = 1;
+    return t;
+}
+
+// The two users of the agent; a wrong passphrase when given.
+SnmpTarget v3(quint16 port, const QString &user, bool sha, const QString &authPass = QString())
+{
+    SnmpTarget t = target(port, SnmpTarget::V3);
+    t.user = user;
+    t.authProtocol = sha ? SnmpTarget::SHA : SnmpTarget::MD5;
+    t.authPassphrase
+        = authPass.isEmpty() ? QString::fromLatin1(sha ? "shapassword" : "md5password") : authPass;
+    t.privProtocol = sha ? SnmpTarget::AES : SnmpTarget::DES;
+    t.privPassphrase = QString::fromLatin1(sha ? "aespassword" : "despassword");
+    return t;
+}
+
+// One request run to its end: error -1 when no signal came.
+struct Outcome
+{
+    int error = -1;
+    QString message;
+    Variables variables;
+};
+
+Outcome await(SnmpClient &client, int id)
+{
+    QSignalSpy finished(&client, &SnmpClient::finished);
+    QSignalSpy failed(&client, &SnmpClient::failed);
+    if (id == 0 || !QTest::qWaitFor([&] { return finished.size() + failed.size() == 1; }, 10000))
+        return Outcome();
+    const QList<QVariant> args = finished.isEmpty() ? failed.first() : finished.first();
+    if (args.first().toInt() != id)
+        return Outcome();
+    if (!finished.isEmpty())
+        return {SnmpClient::NoError, QString(), args.at(1).value<Variables>()};
+    return {int(args.at(1).value<SnmpClient::Error>()), args.at(2).toString(), {}};
+}
+
+} // namespace
+
+class tst_SnmpClient : public QObject
+{
+    Q_OBJECT
+private slots:
+    void initTestCase();
+    void cleanupTestCase();
+    void exchange_data();
+    void exchange();
+    void failures_data();
+    void failures();
+
+private:
+    // What net-snmp's own tool reads with the target's credentials.
+    QStringList tool(const QString &program, const QStringList &arguments);
+    QStringList credentials(const SnmpTarget &t);
+
+    QTemporaryDir dir;
+    QProcess agent;
+    quint16 port = 0;
+};
+
+void tst_SnmpClient::initTestCase()
+{
+    if (!QFile::exists(QStringLiteral("/usr/sbin/snmpd")))
+        QSKIP("snmpd is not installed");
+    port = freePort();
+    QFile config(dir.filePath(QStringLiteral("snmpd.conf")));
+    QVERIFY(config.open(QIODevice::WriteOnly));
+    config.write("rocommunity public 127.0.0.1\n"
+                 "rwcommunity private 127.0.0.1\n"
+                 "createUser shaaes SHA shapassword AES aespassword\n"
+                 "createUser md5des MD5 md5password DES despassword\n"
+                 "rwuser shaaes priv\n"
+                 "rwuser md5des priv\n");
+    config.close();
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("SNMP_PERSISTENT_DIR"), dir.filePath(QStringLiteral("state")));
+    environment.insert(QStringLiteral("MIBS"), QString());
+    agent.setProcessEnvironment(environment);
+    agent.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    // Under timeout, so that the agent ends even when this test is killed.
+    agent.start(QStringLiteral("timeout"),
+        {QStringLiteral("280"), QStringLiteral("/usr/sbin/snmpd"), QStringLiteral("-f"),
+            QStringLiteral("-Lo"), QStringLiteral("-C"), QStringLiteral("-c"), config.fileName(),
+            QStringLiteral("udp:127.0.0.1:%1").arg(port)});
+    QVERIFY(agent.waitForStarted());
+    QVERIFY(QTest::qWaitFor(
+        [this] { return agent.readAllStandardOutput().contains("NET-SNMP version"); }, 10000));
+}
+
+void tst_SnmpClient::cleanupTestCase()
+{
+    agent.terminate();
+    if (!agent.waitForFinished(5000))
+        agent.kill();
+}
+
+QStringList tst_SnmpClient::credentials(const SnmpTarget &t)
+{
+    if (t.version != SnmpTarget::V3)
+        return {QStringLiteral("-v"),
+            t.version == SnmpTarget::V1 ? QStringLiteral("1") : QStringLiteral("2c"), QStringLiteral("-c"),
+            t.community};
+    const bool sha = t.authProtocol == SnmpTarget::SHA;
+    return {QStringLiteral("-v3"), QStringLiteral("-l"), QStringLiteral("authPriv"), QStringLiteral("-u"),
+        t.user, QStringLiteral("-a"), sha ? QStringLiteral("SHA") : QStringLiteral("MD5"),
+        QStringLiteral("-A"), t.authPassphrase, QStringLiteral("-x"),
+        sha ? QStringLiteral("AES") : QStringLiteral("DES"), QStringLiteral("-X"), t.privPassphrase};
+}
+
+QStringList tst_SnmpClient::tool(const QString &program, const QStringList &arguments)
+{
+    QProcess process;
+    process.start(program, arguments);
+    if (!process.waitForFinished(10000))
+        process.kill();
+    return QString::fromLatin1(process.readAllStandardOutput()).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+}
+
+void tst_SnmpClient::exchange_data()
+{
+    QTest::addColumn<SnmpTarget>("t");
+    QTest::newRow("v1") << target(port, SnmpTarget::V1);
+    QTest::newRow("v2c") << target(port, SnmpTarget::V2c);
+    QTest::newRow("v3 SHA AES") << v3(port, "shaaes", true);
+    QTest::newRow("v3 MD5 DES") << v3(port, "md5des", false);
+}
+
+// Write sysLocation, read the system group and ifTable, then load the group
+// into a memory map, change one item and send what saveData chooses.
+void tst_SnmpClient::exchange()
+{
+    QFETCH(SnmpTarget, t);
+    SnmpClient client(t);
+    client.setBulkSize(3); // several exchanges per walk
+
+    Outcome got = await(client, client.get({sysDescr, QStringLiteral("1.3.6.1.2.1.1.2.0")}));
+    QVERIFY2(got.error == SnmpClient::NoError, qPrintable(got.message));
+    QCOMPARE(got.variables.value(sysDescr).userType(), int(QMetaType::QString));
+    QCOMPARE(got.variables.value(QStringLiteral(".1.3.6.1.2.1.1.2.0")).toString().left(18),
+        QStringLiteral(".1.3.6.1.4.1.8072."));
+
+    const QString place = QStringLiteral("rack %1").arg(QTest::currentDataTag());
+    got = await(client, client.set({{sysLocation, place}}));
+    QVERIFY2(got.error == SnmpClient::NoError, qPrintable(got.message));
+
+    const QStringList common = credentials(t)
+        + QStringList {
+            QStringLiteral("-On"), QStringLiteral("-Oq"), QStringLiteral("127.0.0.1:%1").arg(port)};
+    for (const QString &subtree : {QStringLiteral(".1.3.6.1.2.1.2.2"), QStringLiteral(".1.3.6.1.2.1.1")}) {
+        got = await(client, client.walk(subtree));
+        QVERIFY2(got.error == SnmpClient::NoError, qPrintable(got.message));
+        QStringList expected;
+        for (const QString &line : tool(QStringLiteral("snmpwalk"), common + QStringList(subtree)))
+            expected << line.section(QLatin1Char(' '), 0, 0);
+        QStringList keys = got.variables.keys();
+        keys.sort();
+        expected.sort();
+        QCOMPARE(keys, expected);
+    }
+    QCOMPARE(got.variables.value(QStringLiteral(".1.3.6.1.2.1.1.3.0")).userType(), int(QMetaType::UInt));
+
+    MemoryMap map;
+    auto *contact = new U8Array;
+    contact->setStartAddress(QStringLiteral(".1.3.6.1.2.1.1.4"));
+    auto *location = new U8Array;
+    location->setStartAddress(QStringLiteral(".1.3.6.1.2.1.1.6"));
+    map.addItem(QStringLiteral("contact"), contact);
+    map.addItem(QStringLiteral("location"), location);
+    QVERIFY(map.loadData(&got.variables)); // the system group, walked last
+
+    QCOMPARE(location->getValue(), QVariant(place));
+    const QString person = QStringLiteral("operator %1").arg(QTest::currentDataTag());
+    contact->setValue(QVariant(person));
+    Variables toSend;
+    QVERIFY(map.saveData(&toSend));
+    QCOMPARE(toSend, Variables({{sysContact, person}}));
+    got = await(client, client.set(toSend));
+    QVERIFY2(got.error == SnmpClient::NoError, qPrintable(got.message));
+
+    const QStringList held = tool(QStringLiteral("snmpget"),
+        credentials(t)
+            + QStringList {
+                QStringLiteral("-Oqv"), QStringLiteral("127.0.0.1:%1").arg(port), sysContact, sysLocation});
+    QCOMPARE(held.value(0), QStringLiteral("\"%1\"").arg(person));
+    QCOMPARE(held.value(1), QStringLiteral("\"%1\"").arg(place));
+}
+
+void tst_SnmpClient::failures_data()
+{
+    QTest::addColumn<SnmpTarget>("t");
+    QTest::addColumn<QString>("operation");
+    QTest::addColumn<QVariant>("value");
+    QTest::addColumn<int>("error");
+    QTest::addColumn<QString>("message");
+
+    const SnmpTarget v1 = target(port, SnmpTarget::V1);
+    const SnmpTarget v2 = target(port, SnmpTarget::V2c);
+    SnmpTarget silent = v2;
+    silent.port = freePort();
+    const QString missing = QStringLiteral(".1.3.6.1.2.1.1.99.0");
+    QTest::newRow("nothing listens") << silent << "get" << QVariant() << int(SnmpClient::TimeoutError) << "";
+    QTest::newRow("wrong community") << target(port, SnmpTarget::V2c, "wrong") << "get" << QVariant()
+                                     << int(SnmpClient::TimeoutError) << "";
+    QTest::newRow("unknown v3 user") << v3(port, "nobody", true) << "get" << QVariant()
+                                     << int(SnmpClient::AuthenticationError) << "";
+    QTest::newRow("wrong v3 key") << v3(port, "shaaes", true, "wrongpassword") << "get" << QVariant()
+                                  << int(SnmpClient::AuthenticationError) << "";
+    QTest::newRow("v1 missing object")
+        << v1 << "get" << QVariant() << int(SnmpClient::AgentError) << "noSuchName";
+    QTest::newRow("v2c missing object") << v2 << "get" << QVariant() << int(SnmpClient::NoError) << "";
+    QTest::newRow("v1 wrong type") << v1 << sysContact << QVariant(5) << int(SnmpClient::AgentError)
+                                   << "badValue";
+    QTest::newRow("v2c wrong type") << v2 << sysContact << QVariant(5) << int(SnmpClient::AgentError)
+                                    << "wrongType";
+    QTest::newRow("read-only") << v2 << sysDescr << QVariant("x") << int(SnmpClient::AgentError)
+                               << "notWritable";
+    QTest::newRow("over the bound") << v2 << "walk" << QVariant() << int(SnmpClient::TooManyVariablesError)
+                                    << "";
+    QTest::newRow("not an OID") << v2 << "1.3.x" << QVariant(1) << -1 << "";
+    QTest::newRow("no address") << SnmpTarget() << "get" << QVariant() << -1 << "";
+    QTest::newRow("short passphrase") << v3(port, "shaaes", true, "short") << "get" << QVariant() << -1 << "";
+}
+
+void tst_SnmpClient::failures()
+{
+    QFETCH(SnmpTarget, t);
+    QFETCH(QString, operation);
+    QFETCH(QVariant, value);
+    QFETCH(int, error);
+    QFETCH(QString, message);
+
+    SnmpClient client(t);
+    client.setMaxVariables(4);
+    const int id = operation == QLatin1String("get") ? client.get({QStringLiteral(".1.3.6.1.2.1.1.99.0")})
+        : operation == QLatin1String("walk")         ? client.walk(QStringLiteral(".1.3.6.1.2.1.1"))
+                                                     : client.set({{operation, value}});
+    if (error < 0) {
+        QCOMPARE(id, 0);
+        QVERIFY(!client.errorString().isEmpty());
+        return;
+    }
+    const Outcome got = await(client, id);
+    QCOMPARE(got.error, error);
+    QVERIFY2(message.isEmpty() || got.message.startsWith(message), qPrintable(got.message));
+    QVERIFY(got.variables.isEmpty());
+}
+
+QTEST_GUILESS_MAIN(tst_SnmpClient)
+#include "tst_snmpclient.moc"
