@@ -103,8 +103,10 @@ bool writeResults(const QString &path, const CollectingReporter &reporter, const
     QFile file(path);
     if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate | QIODevice::Text))
         return false;
-    QTextStream out(&file);
-    out.setCodec("UTF-8");
+    // Collected as text and written as UTF-8: a stream on the file would
+    // take the locale's encoding under one Qt and UTF-8 under the other.
+    QString text;
+    QTextStream out(&text);
 
     out << "# Benchmark results\n\n"
         << "Written by `./run bench` on " << QDateTime::currentDateTime().toString(Qt::ISODate) << ".\n\n"
@@ -179,7 +181,7 @@ bool writeResults(const QString &path, const CollectingReporter &reporter, const
         << "- **Map.** The instruction counts (callgrind, one map life in a child process) show the\n"
         << "  work per unit at 1,000 and 10,000 units; the times per unit also grow with the memory\n"
         << "  that 10,000 units and their connections take, which outgrows the caches. Removal does\n"
-        << "  more work per unit in a larger map: Qt 5 finds a deleted object in its parent's child\n"
+        << "  more work per unit in a larger map: Qt finds a deleted object in its parent's child\n"
         << "  list by a linear search (the units' bindings are the map's children), and the item\n"
         << "  model moves the later rows and searches for a row's place the same way.\n"
         << "- **Topology.** A blink tick only changes pens: the tick with 200 unparsable entries per\n"
@@ -209,7 +211,9 @@ bool writeResults(const QString &path, const CollectingReporter &reporter, const
             out << formatSeconds(m.fastest()) << " | " << formatSeconds(m.median()) << " | "
                 << m.seconds.size() << " |\n";
     }
-    return true;
+    out.flush();
+    const QByteArray bytes = text.toUtf8();
+    return file.write(bytes) == bytes.size();
 }
 
 } // namespace

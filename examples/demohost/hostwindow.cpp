@@ -507,7 +507,7 @@ void HostWindow::refreshAlarms()
     if (alarmPush->isActive())
         return;
     const qint64 since = lastAlarmPush.isValid() ? lastAlarmPush.elapsed() : 1000;
-    alarmPush->start(static_cast<int>(qBound<qint64>(0, 1000 - since, 1000)));
+    alarmPush->start(static_cast<int>(qBound(qint64(0), 1000 - since, qint64(1000))));
 }
 
 void HostWindow::pushAlarms()

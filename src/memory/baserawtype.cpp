@@ -194,17 +194,57 @@ bool BaseRawType::clearSnmpData()
 
 namespace {
 
-// QVariant's own equality, except that a NaN equals a NaN: a unit's
-// not-a-number would otherwise count as changed and be sent on every write.
+enum class NumberKind { None, Signed, Unsigned, Real };
+
+NumberKind numberKind(int type)
+{
+    switch (type) {
+    case QMetaType::Char:
+    case QMetaType::SChar:
+    case QMetaType::Short:
+    case QMetaType::Int:
+    case QMetaType::Long:
+    case QMetaType::LongLong:
+        return NumberKind::Signed;
+    case QMetaType::Bool:
+    case QMetaType::UChar:
+    case QMetaType::UShort:
+    case QMetaType::UInt:
+    case QMetaType::ULong:
+    case QMetaType::ULongLong:
+        return NumberKind::Unsigned;
+    case QMetaType::Float:
+    case QMetaType::Double:
+        return NumberKind::Real;
+    default:
+        return NumberKind::None;
+    }
+}
+
+// Whether a value needs sending again. Spelled out rather than left to
+// QVariant, whose equality converts freely in Qt 5 ("5" equals 5, -1 equals
+// 2^64 - 1) and not in Qt 6. Numbers compare by value whatever their type, as
+// a unit answers `int` where a model sets `qulonglong`; a NaN equals a NaN of
+// its own type, or a unit's not-a-number would go out on every write. Other
+// values are equal only when of the same type and equal.
 bool sameValue(const QVariant &a, const QVariant &b)
 {
-    const auto isNaN = [](const QVariant &v) {
-        const int type = v.userType();
-        return (type == QMetaType::Double || type == QMetaType::Float) && std::isnan(v.toDouble());
-    };
-    if (isNaN(a) || isNaN(b))
-        return isNaN(a) && isNaN(b) && a.userType() == b.userType();
-    return a == b;
+    const NumberKind kindA = numberKind(a.userType());
+    const NumberKind kindB = numberKind(b.userType());
+    if (kindA == NumberKind::None || kindB == NumberKind::None)
+        return a.userType() == b.userType() && a == b;
+    if (kindA == NumberKind::Real || kindB == NumberKind::Real) {
+        const double x = a.toDouble();
+        const double y = b.toDouble();
+        if (std::isnan(x) || std::isnan(y))
+            return std::isnan(x) && std::isnan(y) && a.userType() == b.userType();
+        return x == y;
+    }
+    const bool negativeA = kindA == NumberKind::Signed && a.toLongLong() < 0;
+    const bool negativeB = kindB == NumberKind::Signed && b.toLongLong() < 0;
+    if (negativeA != negativeB)
+        return false;
+    return negativeA ? a.toLongLong() == b.toLongLong() : a.toULongLong() == b.toULongLong();
 }
 
 } // namespace

@@ -30,7 +30,7 @@ QByteArray md5OfFile(const QFileInfo &info)
             return QByteArray();
         if (count == 0)
             break;
-        digest.addData(chunk.constData(), int(count));
+        digest.addData(QByteArray::fromRawData(chunk.constData(), int(count)));
     }
     return digest.result();
 }

@@ -211,6 +211,8 @@ bool SaveSettings::save(DeviceSettingsEx &settings, QString path)
     QByteArray header = exFileFormatIdentifier;
     {
         QDataStream stream(&header, QIODevice::Append);
+        // The file's layout must not follow the Qt the library is built with.
+        stream.setVersion(QDataStream::Qt_5_15);
         stream << settings.deviceCode << settings.deviceName << settings.param16 << settings.param32
                << settings.hash;
         stream << (settings.data.isNull() ? nullLength : quint32(settings.data.size()));

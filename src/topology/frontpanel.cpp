@@ -88,6 +88,9 @@ QString shownText(const FrontPanelElement &e)
 QFont labelFont(QFont font)
 {
     font.setPixelSize(16);
+    // Glyphs on the pixel grid: Qt 6 otherwise places them at fractional
+    // positions where Qt 5 does not, and a panel would look different.
+    font.setHintingPreference(QFont::PreferFullHinting);
     return font;
 }
 

@@ -105,7 +105,7 @@ void TrapVisual::clear()
 void TrapVisual::setFilter(QString filter)
 {
     this->filter = filter;
-    proxy->setFilterRegExp(filter);
+    proxy->setFilterRegularExpression(filter);
 }
 
 void TrapVisual::showColors(bool show)

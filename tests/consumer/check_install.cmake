@@ -1,6 +1,8 @@
 # Installs the built library into a scratch prefix, then builds and runs a
 # small host against it twice, with find_package(MuxCore) and with plain
 # pkg-config, and compiles every installed header alone under strict flags.
+# A Qt 6 build installs MuxCoreQt6 and muxcore-qt6 instead, and the host
+# switches to them by its find_package line alone.
 file(REMOVE_RECURSE ${WORK_DIR})
 set(prefix ${WORK_DIR}/prefix)
 
@@ -12,18 +14,27 @@ function(run_step)
 endfunction()
 
 run_step(${CMAKE_COMMAND} --install ${MUXCORE_BUILD_DIR} --prefix ${prefix})
-foreach(expected include/muxcore/muxcore_export.h include/muxcore/core/core.h
-                 share/muxcore/translations/muxcore_de.qm)
+foreach(expected include/${MUXCORE_FILE_NAME}/muxcore_export.h include/${MUXCORE_FILE_NAME}/core/core.h
+                 share/${MUXCORE_FILE_NAME}/translations/muxcore_de.qm)
     if(NOT EXISTS ${prefix}/${expected})
         message(FATAL_ERROR "Install lacks ${expected}")
     endif()
 endforeach()
-file(GLOB_RECURSE pcfiles ${prefix}/*/muxcore.pc)
+file(GLOB_RECURSE pcfiles ${prefix}/*/${MUXCORE_FILE_NAME}.pc)
 if(NOT pcfiles)
     message(FATAL_ERROR "Install lacks the pkg-config file")
 endif()
 
-run_step(${CMAKE_COMMAND} -S ${CONSUMER_SOURCE_DIR} -B ${WORK_DIR}/build
+set(consumer_dir ${CONSUMER_SOURCE_DIR})
+if(NOT MUXCORE_PACKAGE_NAME STREQUAL "MuxCore")
+    set(consumer_dir ${WORK_DIR}/consumer)
+    file(READ ${CONSUMER_SOURCE_DIR}/CMakeLists.txt consumer_project)
+    string(REPLACE "find_package(MuxCore " "find_package(${MUXCORE_PACKAGE_NAME} " consumer_project "${consumer_project}")
+    string(REPLACE "\${MuxCore_DIR}" "\${${MUXCORE_PACKAGE_NAME}_DIR}" consumer_project "${consumer_project}")
+    file(COPY ${CONSUMER_SOURCE_DIR}/ DESTINATION ${consumer_dir} PATTERN CMakeLists.txt EXCLUDE)
+    file(WRITE ${consumer_dir}/CMakeLists.txt "${consumer_project}")
+endif()
+run_step(${CMAKE_COMMAND} -S ${consumer_dir} -B ${WORK_DIR}/build
          -DCMAKE_PREFIX_PATH=${prefix} -DWITH_SNMP=${WITH_SNMP})
 run_step(${CMAKE_COMMAND} --build ${WORK_DIR}/build)
 run_step(${WORK_DIR}/build/consumer)
@@ -32,10 +43,10 @@ run_step(${WORK_DIR}/build/consumer)
 find_program(PKG_CONFIG pkg-config REQUIRED)
 get_filename_component(pcdir ${pcfiles} DIRECTORY)
 execute_process(COMMAND ${CMAKE_COMMAND} -E env PKG_CONFIG_PATH=${pcdir}
-        ${PKG_CONFIG} --cflags --libs muxcore
+        ${PKG_CONFIG} --cflags --libs ${MUXCORE_FILE_NAME}
     RESULT_VARIABLE rc OUTPUT_VARIABLE flags ERROR_VARIABLE flags OUTPUT_STRIP_TRAILING_WHITESPACE)
 if(NOT rc EQUAL 0)
-    message(FATAL_ERROR "pkg-config does not know muxcore:\n${flags}")
+    message(FATAL_ERROR "pkg-config does not know ${MUXCORE_FILE_NAME}:\n${flags}")
 endif()
 separate_arguments(flags UNIX_COMMAND "${flags}")
 get_filename_component(libdir ${pcdir} DIRECTORY)
@@ -48,9 +59,9 @@ if(WITH_SNMP)
 endif()
 
 # Hosts build with stricter warnings than ours: no public header may add one.
-file(GLOB_RECURSE headers ${prefix}/include/muxcore/*.h)
+file(GLOB_RECURSE headers ${prefix}/include/${MUXCORE_FILE_NAME}/*.h)
 # The SNMP component's headers also see Qt Network, as its CMake target does.
-execute_process(COMMAND ${PKG_CONFIG} --cflags Qt5Network
+execute_process(COMMAND ${PKG_CONFIG} --cflags ${MUXCORE_QT}Network
     OUTPUT_VARIABLE network_flags OUTPUT_STRIP_TRAILING_WHITESPACE)
 separate_arguments(network_flags UNIX_COMMAND "${network_flags}")
 foreach(header ${headers})

@@ -66,7 +66,7 @@ private slots:
     {
         QFETCH(Dictionary, table);
         QFETCH(int, key);
-        QTEST(table.size(), "size");
+        QTEST(int(table.size()), "size");
         QTEST(table.value(key), "text");
         QVERIFY(!table.contains(0));
     }

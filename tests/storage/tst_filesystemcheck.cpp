@@ -169,7 +169,7 @@ private slots:
             QCOMPARE(check.toString(), FileSystemCheck().toString());
         FSItem parsed;
         check.restoreFromJson(QJsonDocument::fromJson(text.toLatin1()).object(), parsed);
-        QTEST(parsed.children.size(), "children");
+        QTEST(int(parsed.children.size()), "children");
         check.compare(root());
     }
 
