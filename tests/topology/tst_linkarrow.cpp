@@ -35,7 +35,7 @@ struct Chain
             u << item;
         }
     }
-    QColor pixel(int x, int y) { return pixelAt(renderScene(&scene, QRect(0, 0, 420, 60)), x, y); }
+    QImage render() { return renderScene(&scene, QRect(0, 0, 420, 60)); }
 };
 
 } // namespace
@@ -59,7 +59,6 @@ private slots:
         QFETCH(QPointF, endPos);
         QFETCH(QPolygonF, head);
         Chain c({QPointF(0, 0), endPos});
-        QCOMPARE(c.l[0]->type(), 65540);
         // The line runs from the tip back to the start's centre point.
         QCOMPARE(c.l[0]->line(), QLineF(head.first(), QPointF(57, 27)));
         const QPolygonF drawn = c.l[0]->getArrowHead();
@@ -80,7 +79,7 @@ private slots:
         c.u[1]->setPos(20, 110);
         QVERIFY(c.l[0]->getArrowHead().isEmpty());
     }
-    void boundsAndPainting()
+    void bounds()
     {
         // Tip at x = 157, start centre at x = 57: a horizontal line of 100.
         Chain near({QPointF(0, 0), QPointF(157, 0)});
@@ -89,19 +88,6 @@ private slots:
         // The head is part of the clickable shape.
         QVERIFY(near.l[0]->shape().contains(QPointF(150, 29)));
         QVERIFY(!near.l[0]->shape().contains(QPointF(100, 34)));
-
-        Chain c({QPointF(0, 0), QPointF(300, 0)});
-        // The head spreads beyond the 3-pixel line just before the tip.
-        QCOMPARE(c.pixel(292, 24), QColor(Qt::black));
-        QCOMPARE(c.pixel(292, 29), QColor(Qt::black));
-        QCOMPARE(c.pixel(200, 24), QColor(Qt::white));
-        QCOMPARE(c.pixel(303, 27), QColor(Qt::white));
-        c.l[0]->setSelected(true);
-        const QImage image = renderScene(&c.scene, QRect(0, 0, 420, 60));
-        int dots = 0;
-        for (int x = 160; x < 280; ++x)
-            dots += pixelAt(image, x, 27) == QColor(200, 0, 0);
-        QVERIFY2(dots > 30 && dots < 90, qPrintable(QString::number(dots)));
     }
     void highlightPropagation_data()
     {
@@ -124,8 +110,10 @@ private slots:
 
         Chain c({QPointF(0, 0), QPointF(300, 0), QPointF(600, 0)});
         auto current = [&c]() {
-            return QList<int> {c.u[0]->getHighLightMode(), c.u[1]->getHighLightMode(),
-                c.u[2]->getHighLightMode(), c.l[0]->getHighLightMode(), c.l[1]->getHighLightMode()};
+            QList<int> modes;
+            for (int i = 0; i < 5; ++i)
+                modes << (i < 3 ? c.u[i]->getHighLightMode() : c.l[i - 3]->getHighLightMode());
+            return modes;
         };
         c.u[unit]->setHighLight(static_cast<DeviceItem::HighLightMode>(mode));
         QCOMPARE(current(), modes);
@@ -134,17 +122,25 @@ private slots:
         c.u[unit]->setHighLight(DeviceItem::HighLightOff);
         QCOMPARE(current(), (QList<int> {3, 3, 3, 3, 3}));
     }
-    void againstDirectionStopsTheWalk()
+    void looks()
     {
+        // Plain: the head spreads beyond the 3-pixel line just before the tip.
+        // Selected: dotted.
         Chain c({QPointF(0, 0), QPointF(300, 0)});
-        // Met from its end by a forward highlight: the mode is stored, nothing lit.
+        QList<QImage> tiles {c.render()};
+        c.l[0]->setSelected(true);
+        tiles << c.render();
+        c.l[0]->setSelected(false);
+        // Met from its end by a forward highlight: the mode is stored, nothing
+        // lit. So the same mode from the start returns at once and the link
+        // stays black; both directions light it.
         c.u[1]->setHighLight(DeviceItem::HighLightForward);
         QCOMPARE(c.l[0]->getHighLightMode(), DeviceItem::HighLightForward);
-        // So the same mode from the start returns at once and the link stays black.
         c.u[0]->setHighLight(DeviceItem::HighLightForward);
-        QCOMPARE(c.pixel(200, 28), QColor(Qt::black));
+        tiles << c.render();
         c.u[0]->setHighLight(DeviceItem::HighLightBoth);
-        QCOMPARE(c.pixel(200, 28), QColor(90, 255, 90));
+        tiles << c.render();
+        QVERIFY(matchesReference(tiles, "linkarrow"));
 
         // A unit set to the mode it holds leaves its links alone.
         c.l[0]->setHighLight(nullptr, DeviceItem::HighLightBackward);
