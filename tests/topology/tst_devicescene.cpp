@@ -8,6 +8,7 @@
 
 #include <QContextMenuEvent>
 #include <QTimer>
+#include <QWheelEvent>
 
 using LinkList = QList<QPair<unsigned short, unsigned short>>;
 
@@ -267,6 +268,26 @@ private slots:
         QTest::mouseDClick(f.view.viewport(), Qt::LeftButton, {}, f.at(QPointF(60, 310)));
         QCOMPARE(doubleClick.count(), 1);
         QCOMPARE(doubleClick.value(0).value(0).value<Key>(), Key(3));
+    }
+    void controlWheelZooms()
+    {
+        Fixture f;
+        auto wheel = [&f](int delta, Qt::KeyboardModifiers modifiers) {
+            const QPoint at(200, 150);
+            QWheelEvent event(at, f.view.viewport()->mapToGlobal(at), QPoint(), QPoint(0, delta),
+                Qt::NoButton, modifiers, Qt::NoScrollPhase, false);
+            QApplication::sendEvent(f.view.viewport(), &event);
+            return f.view.transform().m22();
+        };
+        QVERIFY(qFuzzyCompare(wheel(120, Qt::ControlModifier), 1.15));
+        QCOMPARE(f.view.transformationAnchor(), QGraphicsView::AnchorUnderMouse);
+        QVERIFY(qFuzzyCompare(wheel(-120, Qt::ControlModifier), 1.0));
+        QVERIFY(qFuzzyCompare(wheel(-120, Qt::NoModifier), 1.0));
+        // No lower limit.
+        for (int i = 0; i < 39; ++i)
+            wheel(-120, Qt::ControlModifier);
+        QVERIFY(qFuzzyCompare(wheel(-120, Qt::ControlModifier), std::pow(1 / 1.15, 40)));
+        QVERIFY(qFuzzyCompare(f.view.transform().m11(), f.view.transform().m22()));
     }
 };
 
