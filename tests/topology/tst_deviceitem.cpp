@@ -1,6 +1,7 @@
 #include "rendering.h"
 
 #include <topology/deviceitem.h>
+#include <topology/linkarrow.h>
 
 #include <QtTest>
 
@@ -9,25 +10,46 @@
 
 namespace {
 
-// A 100 × 40 panel at (20, 20): its top frame line is pixel row 20.
-struct Fixture
+// Units of 100 × 40 (centre points at pos + (57, 27)) in a chain
+// u[0] → u[1] → ... joined by links l[0], l[1], ...
+struct Chain
 {
     QGraphicsScene scene;
-    DeviceItem *item = new DeviceItem;
+    QList<DeviceItem *> u;
+    QList<LinkArrow *> l;
+    DeviceItem *item = nullptr; // the first unit
 
-    Fixture()
+    explicit Chain(const QList<QPointF> &positions)
     {
-        item->updateFrontPanel("dimension: 5x2");
-        scene.addItem(item);
-        item->setPos(20, 20);
+        for (const QPointF &pos : positions) {
+            auto *unit = new DeviceItem;
+            unit->updateFrontPanel("dimension: 5x2");
+            scene.addItem(unit);
+            unit->setPos(pos);
+            if (!u.isEmpty()) {
+                auto *arrow = new LinkArrow(u.last(), unit);
+                u.last()->addArrow(arrow);
+                unit->addArrow(arrow);
+                scene.addItem(arrow);
+                arrow->updatePosition();
+                l << arrow;
+            }
+            u << unit;
+        }
+        item = u.first();
     }
-    QColor pixel(int x, int y) { return pixelAt(renderScene(&scene, QRect(0, 0, 160, 100)), x, y); }
-    void hover(QEvent::Type type)
+    QImage render(const QRect &area) { return renderScene(&scene, area); }
+    QImage hover(QEvent::Type type, const QRect &area)
     {
         QGraphicsSceneHoverEvent event(type);
         scene.sendEvent(item, &event);
+        return render(area);
     }
 };
+
+// A unit at (20, 20) has its top frame line on pixel row 20.
+const QRect itemArea(0, 0, 160, 100);
+const QRect linkArea(0, 0, 420, 60);
 
 } // namespace
 
@@ -37,10 +59,9 @@ class tst_DeviceItem : public QObject
 private slots:
     void geometry()
     {
-        Fixture f;
+        Chain f({QPointF(100, 50)});
         QCOMPARE(f.item->type(), 65551);
         f.item->updateFrontPanel("dimension: 5x2; tooltip:Unit 7");
-        f.item->setPos(100, 50);
         QCOMPARE(f.item->boundingRect(), QRectF(-7, -7, 114, 54));
         // Seven right of and below the panel's true centre, on purpose.
         QCOMPARE(f.item->centerPoint(), QPointF(157, 77));
@@ -56,70 +77,143 @@ private slots:
         f.item->setPos(2500, 1060);
         QCOMPARE(f.item->pos(), QPointF(1900, 1060));
     }
-    void framePen_data()
+    void itemLooks()
     {
-        QTest::addColumn<int>("alarm");
-        QTest::addColumn<bool>("highlighted");
-        QTest::addColumn<QList<bool>>("phases");
-        QTest::addColumn<QColor>("frame");
-
-        const QColor gray(Qt::gray), highlight(90, 255, 90);
-        QTest::newRow("healthy") << 0 << false << QList<bool> {false} << gray;
-        QTest::newRow("major") << 1 << false << QList<bool> {false} << QColor(Qt::red);
-        QTest::newRow("major and minor") << 3 << false << QList<bool> {false} << QColor(Qt::red);
-        QTest::newRow("minor") << 2 << false << QList<bool> {false} << QColor(Qt::darkYellow);
-        QTest::newRow("value 4") << 4 << false << QList<bool> {false} << QColor(Qt::black);
-        QTest::newRow("major, normal phase") << 1 << false << QList<bool> {false, true} << gray;
-        QTest::newRow("highlighted, normal phase") << 1 << true << QList<bool> {false, true} << highlight;
-        QTest::newRow("unknown value keeps the pen") << 5 << true << QList<bool> {false} << highlight;
-        QTest::newRow("highlighted healthy, alarm phase") << 0 << true << QList<bool> {false} << gray;
-    }
-    void framePen()
-    {
-        QFETCH(int, alarm);
-        QFETCH(bool, highlighted);
-        QFETCH(QList<bool>, phases);
-        QFETCH(QColor, frame);
-
-        Fixture f;
-        if (highlighted)
-            f.item->setHighLight(DeviceItem::HighLightBoth);
-        f.item->setAlarm(static_cast<Core::AlarmType>(alarm));
-        // Nothing shows before the next blink phase.
-        QCOMPARE(f.pixel(70, 20), highlighted ? QColor(90, 255, 90) : QColor(Qt::gray));
-        for (bool on : qAsConst(phases))
-            f.item->showAlarm(on);
-        QCOMPARE(f.pixel(70, 20), frame);
-        // Only value 4 has the 8-pixel pen.
-        QCOMPARE(f.pixel(70, 17) == QColor(Qt::black), frame == QColor(Qt::black));
-    }
-    void brushesAndSelectionMarks()
-    {
-        Fixture f;
+        QList<QImage> tiles;
+        // Alarm, highlighted, blink phases shown: the frame before and after
+        // the phases, as nothing shows before the next one. The frame is
+        // gray when healthy, red for major (1 and 3), dark yellow for minor,
+        // black and 8 pixels wide for value 4; an unknown value keeps the
+        // pen, and the normal phase shows gray or the highlight.
+        const QList<std::tuple<int, bool, QList<bool>>> alarms {{0, false, {false}}, {1, false, {false}},
+            {3, false, {false}}, {2, false, {false}}, {4, false, {false}}, {1, false, {false, true}},
+            {1, true, {false, true}}, {5, true, {false}}, {0, true, {false}}};
+        for (const auto &[alarm, highlighted, phases] : alarms) {
+            Chain f({QPointF(20, 20)});
+            if (highlighted)
+                f.item->setHighLight(DeviceItem::HighLightBoth);
+            f.item->setAlarm(static_cast<Core::AlarmType>(alarm));
+            tiles << f.render(itemArea);
+            for (bool on : phases)
+                f.item->showAlarm(on);
+            tiles << f.render(itemArea);
+        }
+        // Group brush, the pointer's brush and black pen, which a highlighted
+        // item does not take, then the selection's brackets.
+        Chain f({QPointF(20, 20)});
         QSignalSpy entered(f.item, &DeviceItem::mouseEnter);
-        const QColor white(Qt::white), group(227, 175, 147), mark(200, 0, 0);
         f.item->setGroupHighLight(true);
-        QCOMPARE(f.pixel(70, 40), group);
-        f.hover(QEvent::GraphicsSceneHoverEnter);
+        tiles << f.render(itemArea) << f.hover(QEvent::GraphicsSceneHoverEnter, itemArea);
+        tiles << f.hover(QEvent::GraphicsSceneHoverLeave, itemArea);
         QCOMPARE(entered.count(), 1);
-        QCOMPARE(f.pixel(70, 40), QColor(70, 180, 230));
-        QCOMPARE(f.pixel(70, 20), QColor(Qt::black));
-        f.hover(QEvent::GraphicsSceneHoverLeave);
-        QCOMPARE(f.pixel(70, 40), group);
-        QCOMPARE(f.pixel(70, 20), QColor(Qt::gray));
-        // A highlighted item keeps its pen under the pointer.
         f.item->setHighLight(DeviceItem::HighLightForward);
-        f.hover(QEvent::GraphicsSceneHoverEnter);
-        QCOMPARE(f.pixel(70, 20), QColor(90, 255, 90));
-
-        // Brackets 5 outside each corner, arms reaching 10 past the edge line.
-        QCOMPARE(f.pixel(15, 15), white);
+        tiles << f.hover(QEvent::GraphicsSceneHoverEnter, itemArea);
         f.item->setSelected(true);
-        for (const QPoint &p :
-            {QPoint(15, 15), QPoint(28, 15), QPoint(15, 28), QPoint(112, 65), QPoint(125, 52)})
-            QCOMPARE(f.pixel(p.x(), p.y()), mark);
-        QCOMPARE(f.pixel(70, 15), white);
-        QCOMPARE(f.pixel(15, 40), white);
+        tiles << f.render(itemArea);
+        QVERIFY(matchesReference(tiles, "deviceitem"));
+    }
+    void headOnPanelEdge_data()
+    {
+        QTest::addColumn<QPointF>("endPos");
+        QTest::addColumn<QPolygonF>("head");
+        // Worked out by hand with the rounded angle constants.
+        QTest::newRow("end to the right")
+            << QPointF(300, 0) << QPolygonF({{300, 27}, {290.50132, 23.87350}, {290.47672, 30.05076}});
+        QTest::newRow("end below") << QPointF(0, 200)
+                                   << QPolygonF({{57, 200}, {60.09623, 190.49141}, {53.91892, 190.48649}});
+    }
+    void headOnPanelEdge()
+    {
+        QFETCH(QPointF, endPos);
+        QFETCH(QPolygonF, head);
+        Chain c({QPointF(0, 0), endPos});
+        // The line runs from the tip back to the start's centre point.
+        QCOMPARE(c.l[0]->line(), QLineF(head.first(), QPointF(57, 27)));
+        const QPolygonF drawn = c.l[0]->getArrowHead();
+        QCOMPARE(drawn.size(), 3);
+        for (int i = 0; i < 3; ++i)
+            QVERIFY(QLineF(drawn.at(i), head.at(i)).length() < 1e-3);
+    }
+    void followsItsEnds()
+    {
+        Chain c({QPointF(0, 0), QPointF(300, 0)});
+        // From (57, 27) to (357, 127) the line enters the left edge at y = 27 + 100 * 243 / 300.
+        c.u[1]->setPos(300, 100);
+        QCOMPARE(c.l[0]->line(), QLineF(QPointF(300, 108), QPointF(57, 27)));
+        c.u[0]->setPos(0, 100);
+        c.u[0]->updateFrontPanel("dimension: 10x2");
+        QCOMPARE(c.l[0]->line(), QLineF(QPointF(300, 127), QPointF(107, 127)));
+        // From (107, 127) to (77, 137) the line stays inside the end panel: no head.
+        c.u[1]->setPos(20, 110);
+        QVERIFY(c.l[0]->getArrowHead().isEmpty());
+    }
+    void bounds()
+    {
+        // Tip at x = 157, start centre at x = 57: a horizontal line of 100.
+        Chain near({QPointF(0, 0), QPointF(157, 0)});
+        near.u[0]->setHighLight(DeviceItem::HighLightForward);
+        QCOMPARE(near.l[0]->boundingRect(), QRectF(57 - 11.5, 27 - 11.5, 123, 23));
+        // The head is part of the clickable shape.
+        QVERIFY(near.l[0]->shape().contains(QPointF(150, 29)));
+        QVERIFY(!near.l[0]->shape().contains(QPointF(100, 34)));
+    }
+    void highlightPropagation_data()
+    {
+        QTest::addColumn<int>("unit");
+        QTest::addColumn<int>("mode");
+        QTest::addColumn<QList<int>>("modes"); // units 0 to 2, then links 0 and 1
+
+        QTest::newRow("forward from the head") << 0 << 0 << QList<int> {0, 0, 0, 0, 0};
+        QTest::newRow("forward from the middle") << 1 << 0 << QList<int> {3, 0, 0, 0, 0};
+        QTest::newRow("forward from the tail") << 2 << 0 << QList<int> {3, 3, 0, 3, 0};
+        QTest::newRow("backward from the tail") << 2 << 1 << QList<int> {1, 1, 1, 1, 1};
+        QTest::newRow("backward from the head") << 0 << 1 << QList<int> {1, 3, 3, 1, 3};
+        QTest::newRow("both from the middle") << 1 << 2 << QList<int> {2, 2, 2, 2, 2};
+    }
+    void highlightPropagation()
+    {
+        QFETCH(int, unit);
+        QFETCH(int, mode);
+        QFETCH(QList<int>, modes);
+
+        Chain c({QPointF(0, 0), QPointF(300, 0), QPointF(600, 0)});
+        auto current = [&c]() {
+            QList<int> modes;
+            for (int i = 0; i < 5; ++i)
+                modes << (i < 3 ? c.u[i]->getHighLightMode() : c.l[i - 3]->getHighLightMode());
+            return modes;
+        };
+        c.u[unit]->setHighLight(static_cast<DeviceItem::HighLightMode>(mode));
+        QCOMPARE(current(), modes);
+        // Switching off the units clears everything they reached.
+        c.u[2 - unit]->setHighLight(DeviceItem::HighLightOff);
+        c.u[unit]->setHighLight(DeviceItem::HighLightOff);
+        QCOMPARE(current(), (QList<int> {3, 3, 3, 3, 3}));
+    }
+    void linkLooks()
+    {
+        // Plain: the head spreads beyond the 3-pixel line just before the tip.
+        // Selected: dotted.
+        Chain c({QPointF(0, 0), QPointF(300, 0)});
+        QList<QImage> tiles {c.render(linkArea)};
+        c.l[0]->setSelected(true);
+        tiles << c.render(linkArea);
+        c.l[0]->setSelected(false);
+        // Met from its end by a forward highlight: the mode is stored, nothing
+        // lit. So the same mode from the start returns at once and the link
+        // stays black; both directions light it.
+        c.u[1]->setHighLight(DeviceItem::HighLightForward);
+        QCOMPARE(c.l[0]->getHighLightMode(), DeviceItem::HighLightForward);
+        c.u[0]->setHighLight(DeviceItem::HighLightForward);
+        tiles << c.render(linkArea);
+        c.u[0]->setHighLight(DeviceItem::HighLightBoth);
+        tiles << c.render(linkArea);
+        QVERIFY(matchesReference(tiles, "linkarrow"));
+
+        // A unit set to the mode it holds leaves its links alone.
+        c.l[0]->setHighLight(nullptr, DeviceItem::HighLightBackward);
+        c.u[0]->setHighLight(DeviceItem::HighLightBoth);
+        QCOMPARE(c.l[0]->getHighLightMode(), DeviceItem::HighLightBackward);
     }
 };
 

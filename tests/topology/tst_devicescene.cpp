@@ -8,6 +8,7 @@
 
 #include <QContextMenuEvent>
 #include <QTimer>
+#include <QWheelEvent>
 
 using LinkList = QList<QPair<unsigned short, unsigned short>>;
 
@@ -23,48 +24,38 @@ struct Fixture
     Fixture()
     {
         scene.setSceneRect(0, 0, 800, 600);
-        scene.addDeviceItem(1, "dimension: 5x2", QPointF(50, 50), -1.0);
-        scene.addDeviceItem(2, "dimension: 5x2", QPointF(300, 50), -1.0);
-        scene.addDeviceItem(3, "dimension: 5x2", QPointF(50, 300), -1.0);
+        for (unsigned short key : {1, 2, 3})
+            scene.addDeviceItem(key, "dimension: 5x2", QPointF(key == 2 ? 300 : 50, key == 3 ? 300 : 50), -1);
         view.setAlignment(Qt::AlignLeft | Qt::AlignTop);
         view.resize(840, 640);
         view.show();
     }
-    QWidget *viewport() { return view.viewport(); }
     QPoint at(QPointF scenePos) { return view.mapFromScene(scenePos); }
     // Sent directly: QTest moves carry no buttons on widgets, and QTest warns
     // about presses on empty space that nothing accepts. The scene finds
     // items through the global position.
-    void send(QEvent::Type type, QPointF scenePos, Qt::MouseButton button, Qt::MouseButtons buttons)
+    void send(QEvent::Type type, QPointF pos, Qt::MouseButton button, Qt::MouseButtons buttons)
     {
-        QMouseEvent event(type, at(scenePos), viewport()->mapToGlobal(at(scenePos)), button, buttons, {});
-        QApplication::sendEvent(viewport(), &event);
+        const QPoint global = view.viewport()->mapToGlobal(at(pos));
+        QMouseEvent mouse(type, at(pos), global, button, buttons, {});
+        QContextMenuEvent menu(QContextMenuEvent::Mouse, at(pos), global);
+        QApplication::sendEvent(
+            view.viewport(), type == QEvent::ContextMenu ? static_cast<QEvent *>(&menu) : &mouse);
     }
-    void drag(QPointF from, QPointF to, Qt::MouseButton button = Qt::LeftButton)
-    {
-        send(QEvent::MouseButtonPress, from, button, button);
-        send(QEvent::MouseMove, to, Qt::NoButton, button);
-        send(QEvent::MouseButtonRelease, to, button, Qt::NoButton);
-    }
-    void contextMenuAt(QPointF scenePos)
-    {
-        QContextMenuEvent event(
-            QContextMenuEvent::Mouse, at(scenePos), viewport()->mapToGlobal(at(scenePos)));
-        QApplication::sendEvent(viewport(), &event);
-    }
+    void press(QPointF pos) { send(QEvent::MouseButtonPress, pos, Qt::LeftButton, Qt::LeftButton); }
     DeviceItem *unit(unsigned short key) { return scene.getDeviceItem(key); }
     QList<int> highlights()
     {
         return {unit(1)->getHighLightMode(), unit(2)->getHighLightMode(), unit(3)->getHighLightMode()};
     }
+    int count(int type)
+    {
+        const QList<QGraphicsItem *> items = scene.items();
+        return int(
+            std::count_if(items.cbegin(), items.cend(), [type](auto *i) { return i->type() == type; }));
+    }
+    QColor pixel(int x, int y) { return pixelAt(renderScene(&scene, QRect(0, 0, 400, 100)), x, y); }
 };
-
-int countOfType(const QGraphicsScene &scene, int type)
-{
-    const QList<QGraphicsItem *> items = scene.items();
-    return int(
-        std::count_if(items.cbegin(), items.cend(), [type](QGraphicsItem *i) { return i->type() == type; }));
-}
 
 } // namespace
 
@@ -81,13 +72,13 @@ private slots:
         QCOMPARE(f.scene.getItemZ(4), -0.999);
         // A second item under a key hides the first, which stays on the scene.
         f.scene.addDeviceItem(4, "dimension: 3x3", QPointF(600, 400), 2.0);
-        QCOMPARE(countOfType(f.scene, 65551), 5);
+        QCOMPARE(f.count(65551), 5);
         QCOMPARE(f.scene.getItemPos(4), QPointF(600, 400));
         f.scene.setFrontPanel(1, "dimension: 4x1");
         QCOMPARE(f.unit(1)->polygon(), QPolygonF(QRectF(0, 0, 80, 20)));
         f.scene.removeDeviceItem(99);
         f.scene.removeDeviceItem(4);
-        QCOMPARE(countOfType(f.scene, 65551), 4);
+        QCOMPARE(f.count(65551), 4);
     }
     void stacking_data()
     {
@@ -95,7 +86,6 @@ private slots:
         QTest::addColumn<double>("start");
         QTest::addColumn<bool>("front");
         QTest::addColumn<double>("expected");
-
         QTest::newRow("front over nothing") << QList<double>() << 5.0 << true << 0.0;
         QTest::newRow("front over 0.0 and 0.5") << QList<double> {0.0, 0.5} << 0.0 << true << 0.6;
         QTest::newRow("back under nothing") << QList<double>() << -2.0 << false << 0.0;
@@ -106,75 +96,72 @@ private slots:
         QFETCH(QList<double>, others);
         QFETCH(double, start);
         QFETCH(bool, front);
-        QFETCH(double, expected);
-
         Fixture f;
         f.scene.addArrowLink(1, 3); // a link under unit 1 (z -1000) must not count
         unsigned short key = 10;
         for (double z : qAsConst(others))
             f.scene.addDeviceItem(key++, "dimension: 2x2", QPointF(80, 60), z);
         f.unit(1)->setZValue(start);
-
-        front ? f.scene.bringToFront() : f.scene.sendToBack();
-        QCOMPARE(f.scene.getItemZ(1), start); // nothing selected
-        f.scene.setSelected(1);
-        front ? f.scene.bringToFront() : f.scene.sendToBack();
+        for (bool selected : {false, true}) { // nothing happens without a selection
+            if (selected)
+                f.scene.setSelected(1);
+            front ? f.scene.bringToFront() : f.scene.sendToBack();
+        }
+        QFETCH(double, expected);
         QVERIFY(qFuzzyCompare(1 + f.scene.getItemZ(1), 1 + expected));
     }
-    void linkDrawing_data()
+    void dragging_data()
     {
+        QTest::addColumn<bool>("linkMode");
         QTest::addColumn<QPointF>("from");
         QTest::addColumn<QPointF>("to");
         QTest::addColumn<int>("button");
-        QTest::addColumn<LinkList>("links");
+        QTest::addColumn<QString>("outcome"); // unit 1's position, then the links
 
         const int left = Qt::LeftButton;
-        QTest::newRow("between two units")
-            << QPointF(100, 70) << QPointF(350, 80) << left << LinkList {{1, 2}};
+        const QPointF from(100, 70), none(600, 500);
+        QTest::newRow("link between two units") << true << from << QPointF(350, 80) << left << "50,50 1>2";
         // The press handler takes any button.
-        QTest::newRow("middle button")
-            << QPointF(100, 70) << QPointF(350, 80) << int(Qt::MiddleButton) << LinkList {{1, 2}};
-        QTest::newRow("within one unit") << QPointF(60, 60) << QPointF(140, 80) << left << LinkList();
-        QTest::newRow("unit to empty space") << QPointF(100, 70) << QPointF(600, 500) << left << LinkList();
-        QTest::newRow("empty space to unit") << QPointF(600, 500) << QPointF(100, 70) << left << LinkList();
+        QTest::newRow("link, middle button")
+            << true << from << QPointF(350, 80) << int(Qt::MiddleButton) << "50,50 1>2";
+        QTest::newRow("link within one unit") << true << from << QPointF(140, 80) << left << "50,50";
+        QTest::newRow("link to empty space") << true << from << none << left << "50,50";
+        QTest::newRow("link from empty space") << true << none << from << left << "50,50";
+        QTest::newRow("move") << false << from << QPointF(130, 90) << left << "80,70";
+        QTest::newRow("move stops at the edge") << false << from << QPointF(45, 90) << left << "0,70";
     }
-    void linkDrawing()
+    void dragging()
     {
-        QFETCH(QPointF, from);
-        QFETCH(QPointF, to);
+        QFETCH(bool, linkMode);
         QFETCH(int, button);
-        QFETCH(LinkList, links);
-
-        Fixture f;
-        f.scene.setInsertMode(DeviceScene::LinkMode);
-        const int itemCount = f.scene.items().size();
-        f.drag(from, to, Qt::MouseButton(button));
-        QCOMPARE(f.scene.getArrowLinkList(), links);
-        // No unit was dragged along, and the rubber band is gone.
-        QCOMPARE(f.scene.getItemPos(1), QPointF(50, 50));
-        QCOMPARE(f.scene.items().size(), itemCount + links.size());
-        if (links == LinkList {{1, 2}}) {
-            // Beneath both units: hidden by unit 1's panel, visible between them.
-            const QImage image = renderScene(&f.scene, QRect(0, 0, 400, 100));
-            QCOMPARE(pixelAt(image, 200, 77), QColor(Qt::black));
-            QCOMPARE(pixelAt(image, 130, 77), QColor(Qt::white));
-        }
-    }
-    void dragMovesWithinTheArea()
-    {
         Fixture f;
         QSignalSpy selected(f.unit(1), &DeviceItem::selected);
-        f.drag(QPointF(60, 60), QPointF(90, 80));
-        QCOMPARE(f.scene.getItemPos(1), QPointF(80, 70));
-        QCOMPARE(selected.count(), 1);
-        f.drag(QPointF(90, 80), QPointF(5, 80));
-        QCOMPARE(f.scene.getItemPos(1), QPointF(0, 70));
+        f.scene.setInsertMode(linkMode ? DeviceScene::LinkMode : DeviceScene::SelectMode);
+        const int itemCount = f.scene.items().size();
+        const auto pressed = Qt::MouseButton(button);
+        QFETCH(QPointF, from);
+        QFETCH(QPointF, to);
+        f.send(QEvent::MouseButtonPress, from, pressed, pressed);
+        f.send(QEvent::MouseMove, to, Qt::NoButton, pressed);
+        f.send(QEvent::MouseButtonRelease, to, pressed, Qt::NoButton);
+        QString outcome = QString("%1,%2").arg(f.scene.getItemPos(1).x()).arg(f.scene.getItemPos(1).y());
+        for (auto link : f.scene.getArrowLinkList())
+            outcome += QString(" %1>%2").arg(link.first).arg(link.second);
+        QTEST(outcome, "outcome");
+        // The rubber band is gone.
+        QCOMPARE(f.scene.items().size() - itemCount, f.scene.getArrowLinkList().size());
+        if (!linkMode)
+            QCOMPARE(selected.count(), 1);
+        // Beneath both units: hidden by unit 1's panel, visible between them.
+        if (!f.scene.getArrowLinkList().isEmpty())
+            QCOMPARE(
+                QList<QColor>({f.pixel(200, 77), f.pixel(130, 77)}), QList<QColor>({Qt::black, Qt::white}));
     }
     void clearDuringLinkDrag()
     {
         Fixture f;
         f.scene.setInsertMode(DeviceScene::LinkMode);
-        f.send(QEvent::MouseButtonPress, QPointF(60, 60), Qt::LeftButton, Qt::LeftButton);
+        f.press(QPointF(60, 60));
         f.scene.clear(); // deletes the band under the scene's feet
         f.send(QEvent::MouseMove, QPointF(310, 60), Qt::NoButton, Qt::LeftButton);
         f.send(QEvent::MouseButtonRelease, QPointF(310, 60), Qt::LeftButton, Qt::NoButton);
@@ -184,22 +171,18 @@ private slots:
     void linkListFollowsDeletions()
     {
         Fixture f;
-        f.scene.addArrowLink(1, 2);
-        f.scene.addArrowLink(2, 3);
-        f.scene.addArrowLink(1, 99);
-        f.scene.addArrowLink(1, 3);
-        f.scene.addArrowLink(1, 3); // no check for an existing link
+        // 99 is unknown; no check for an existing link.
+        for (auto link : LinkList {{1, 2}, {2, 3}, {1, 99}, {1, 3}, {1, 3}})
+            f.scene.addArrowLink(link.first, link.second);
         QCOMPARE(f.scene.getArrowLinkList(), (LinkList {{1, 2}, {2, 3}, {1, 3}, {1, 3}}));
-
         f.scene.removeDeviceItem(2);
         QCOMPARE(f.scene.getArrowLinkList(), (LinkList {{1, 3}, {1, 3}}));
-        QCOMPARE(countOfType(f.scene, 65540), 2);
+        QCOMPARE(f.count(65540), 2);
         f.unit(1)->getArrows().first()->setSelected(true);
         f.unit(1)->setSelected(true);
         f.scene.removeSelectedArrows();
         QCOMPARE(f.scene.getArrowLinkList(), (LinkList {{1, 3}}));
         QCOMPARE(f.unit(3)->getArrows().size(), 1);
-
         // A unit deleted behind the scene's back takes its key and links along.
         delete f.unit(3);
         QCOMPARE(f.scene.getArrowLinkList(), LinkList());
@@ -211,8 +194,6 @@ private slots:
         Fixture f;
         QSignalSpy toggled(&f.scene, &DeviceScene::togleAlarm);
         const QTimer *timer = f.scene.findChild<QTimer *>();
-        auto frame = [&f]() { return pixelAt(renderScene(&f.scene, QRect(0, 0, 400, 100)), 100, 50); };
-
         QHash<unsigned short, Core::AlarmType> alarms {{1, Core::ALARM_OK}, {2, Core::ALARM_OK}};
         f.scene.setAlarmMap(alarms);
         QCOMPARE(toggled.takeFirst().at(0).toBool(), true);
@@ -222,25 +203,22 @@ private slots:
         alarms[99] = Core::ALARM_MAJOR; // unknown keys are skipped
         f.scene.setAlarmMap(alarms);
         QCOMPARE(timer->interval(), 500);
-        QCOMPARE(frame(), QColor(Qt::gray)); // shown only from the next phase on
-        QVERIFY(toggled.wait(2000));
-        QCOMPARE(toggled.takeFirst().at(0).toBool(), true);
-        QVERIFY(toggled.wait(2000));
-        QCOMPARE(toggled.takeFirst().at(0).toBool(), false);
-        QCOMPARE(frame(), QColor(Qt::darkYellow));
+        QCOMPARE(f.pixel(100, 50), QColor(Qt::gray)); // shown only from the next phase on
+        QVERIFY(toggled.wait(2000) && toggled.wait(2000));
+        QCOMPARE(QList<QVariantList>(toggled), (QList<QVariantList> {{true}, {false}}));
+        QCOMPARE(f.pixel(100, 50), QColor(Qt::darkYellow));
 
         alarms[1] = Core::ALARM_OK;
         alarms.remove(99);
         f.scene.setAlarmMap(alarms);
         QVERIFY(!timer->isActive());
-        QCOMPARE(frame(), QColor(Qt::gray));
+        QCOMPARE(f.pixel(100, 50), QColor(Qt::gray));
     }
     void highlightFollowsSelection()
     {
         Fixture f;
         f.scene.addArrowLink(1, 2);
         f.scene.addArrowLink(2, 3);
-
         // Stored without a selection, so the next selection is not highlighted.
         f.scene.setHighlight(DeviceItem::HighLightOff);
         f.scene.setSelected(1);
@@ -254,11 +232,10 @@ private slots:
         f.scene.setSelected(2);
         QCOMPARE(f.highlights(), (QList<int> {3, 0, 0}));
         // A press on empty space clears selection and highlight.
-        f.send(QEvent::MouseButtonPress, QPointF(600, 500), Qt::LeftButton, Qt::LeftButton);
+        f.press(QPointF(600, 500));
         QCOMPARE(f.highlights(), (QList<int> {3, 3, 3}));
-
         f.scene.setHighlightGroup({1, 99}, true);
-        QCOMPARE(pixelAt(renderScene(&f.scene, QRect(0, 0, 400, 100)), 100, 70), QColor(227, 175, 147));
+        QCOMPARE(f.pixel(100, 70), QColor(227, 175, 147));
     }
     void contextMenuAndDoubleClick()
     {
@@ -267,28 +244,47 @@ private slots:
         QSignalSpy menu(&f.scene, &DeviceScene::contextMenu);
         QSignalSpy linkMenu(&f.scene, &DeviceScene::contextMenuLink);
         QSignalSpy doubleClick(&f.scene, &DeviceScene::doubleClick);
+        using Key = unsigned short;
 
         f.unit(1)->setSelected(true);
-        f.contextMenuAt(QPointF(320, 60));
-        QCOMPARE(menu.value(0), (QList<QVariant> {QPointF(320, 60), QVariant::fromValue<unsigned short>(2)}));
-        QCOMPARE(f.scene.getSelectedDevices(), QList<unsigned short> {2});
-
-        f.contextMenuAt(QPointF(220, 77));
+        f.send(QEvent::ContextMenu, QPointF(320, 60), Qt::NoButton, Qt::NoButton);
+        QCOMPARE(menu.value(0), (QVariantList {QPointF(320, 60), QVariant::fromValue<Key>(2)}));
+        QCOMPARE(f.scene.getSelectedDevices(), QList<Key> {2});
+        f.send(QEvent::ContextMenu, QPointF(220, 77), Qt::NoButton, Qt::NoButton);
         QCOMPARE(linkMenu.value(0),
-            (QList<QVariant> {QPointF(220, 77), QVariant::fromValue<unsigned short>(1),
-                QVariant::fromValue<unsigned short>(2)}));
-        QCOMPARE(f.scene.getSelectedDevices(), QList<unsigned short>());
+            (QVariantList {QPointF(220, 77), QVariant::fromValue<Key>(1), QVariant::fromValue<Key>(2)}));
+        QCOMPARE(f.scene.getSelectedDevices(), QList<Key>());
 
         // On empty space with nothing selected, both are swallowed.
-        f.send(QEvent::MouseButtonPress, QPointF(600, 500), Qt::LeftButton, Qt::LeftButton);
-        f.contextMenuAt(QPointF(600, 500));
+        f.press(QPointF(600, 500));
+        f.send(QEvent::ContextMenu, QPointF(600, 500), Qt::NoButton, Qt::NoButton);
         f.send(QEvent::MouseButtonDblClick, QPointF(600, 500), Qt::LeftButton, Qt::LeftButton);
         QCOMPARE(menu.count() + linkMenu.count() + doubleClick.count(), 2);
 
-        QTest::mouseClick(f.viewport(), Qt::LeftButton, {}, f.at(QPointF(60, 310)));
-        QTest::mouseDClick(f.viewport(), Qt::LeftButton, {}, f.at(QPointF(60, 310)));
+        QTest::mouseClick(f.view.viewport(), Qt::LeftButton, {}, f.at(QPointF(60, 310)));
+        QTest::mouseDClick(f.view.viewport(), Qt::LeftButton, {}, f.at(QPointF(60, 310)));
         QCOMPARE(doubleClick.count(), 1);
-        QCOMPARE(doubleClick.at(0).at(0).value<unsigned short>(), 3);
+        QCOMPARE(doubleClick.value(0).value(0).value<Key>(), Key(3));
+    }
+    void controlWheelZooms()
+    {
+        Fixture f;
+        auto wheel = [&f](int delta, Qt::KeyboardModifiers modifiers) {
+            const QPoint at(200, 150);
+            QWheelEvent event(at, f.view.viewport()->mapToGlobal(at), QPoint(), QPoint(0, delta),
+                Qt::NoButton, modifiers, Qt::NoScrollPhase, false);
+            QApplication::sendEvent(f.view.viewport(), &event);
+            return f.view.transform().m22();
+        };
+        QVERIFY(qFuzzyCompare(wheel(120, Qt::ControlModifier), 1.15));
+        QCOMPARE(f.view.transformationAnchor(), QGraphicsView::AnchorUnderMouse);
+        QVERIFY(qFuzzyCompare(wheel(-120, Qt::ControlModifier), 1.0));
+        QVERIFY(qFuzzyCompare(wheel(-120, Qt::NoModifier), 1.0));
+        // No lower limit.
+        for (int i = 0; i < 39; ++i)
+            wheel(-120, Qt::ControlModifier);
+        QVERIFY(qFuzzyCompare(wheel(-120, Qt::ControlModifier), std::pow(1 / 1.15, 40)));
+        QVERIFY(qFuzzyCompare(f.view.transform().m11(), f.view.transform().m22()));
     }
 };
 
