@@ -145,8 +145,8 @@ bool SnmpTrapReceiver::listen(const QHostAddress &address, quint16 port)
 {
     close();
     SnmpValue::initLibrary();
-    const QByteArray spec = SnmpValue::transportSpec(address, port);
-    netsnmp_transport *transport = netsnmp_transport_open_server("muxcore-snmp", spec.constData());
+    const QByteArray endpoint = SnmpValue::transportSpec(address, port);
+    netsnmp_transport *transport = netsnmp_transport_open_server("muxcore-snmp", endpoint.constData());
     if (!transport) {
         d->error = tr("Cannot listen on %1 port %2.").arg(address.toString()).arg(port);
         return false;
