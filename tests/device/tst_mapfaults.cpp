@@ -36,16 +36,11 @@ private slots:
         // Deleted by its Qt parent behind the map's back rather than removed.
         QTest::addColumn<bool>("byOwner");
 
-        QTest::newRow("answer") << "answer" << false << false;
-        QTest::newRow("error") << "error" << false << false;
-        QTest::newRow("request relay") << "request" << false << false;
-        QTest::newRow("status report") << "status" << false << false;
-        QTest::newRow("answer, deletion flushed first") << "answer" << true << false;
-        QTest::newRow("request, deletion flushed first") << "request" << true << false;
-        QTest::newRow("status, deletion flushed first") << "status" << true << false;
-        QTest::newRow("answer, owner deleted") << "answer" << false << true;
-        QTest::newRow("request, owner deleted") << "request" << false << true;
-        QTest::newRow("status, owner deleted") << "status" << false << true;
+        for (const char *queued : {"answer", "error", "request", "status"}) {
+            QTest::addRow("%s", queued) << queued << false << false;
+            QTest::addRow("%s, deletion flushed first", queued) << queued << true << false;
+            QTest::addRow("%s, owner deleted", queued) << queued << false << true;
+        }
     }
     void removedWhileTrafficQueued()
     {
