@@ -277,31 +277,6 @@ private slots:
         QVERIFY(!window.getSerialState());
         QCOMPARE(changed.count(), 2);
     }
-    void showMessage_data()
-    {
-        QTest::addColumn<int>("type");
-        QTest::addColumn<QString>("seen"); // title|text|icon|buttons|parent is the window
-        QTest::newRow("information") << 0 << "Information|Line E1-3 lost|1|1|1";
-        QTest::newRow("warning") << 1 << "Warning|Line E1-3 lost|2|1|1";
-        QTest::newRow("error") << 2 << "Error|Line E1-3 lost|3|1|1";
-        QTest::newRow("unknown type") << 3 << "";
-    }
-    void showMessage()
-    {
-        QFETCH(int, type);
-        Window window;
-        QString seen;
-        ModalAnswer answer(as<QMessageBox>([&](QMessageBox *box) {
-            seen = QStringLiteral("%1|%2|%3|%4|%5")
-                       .arg(box->windowTitle(), box->text())
-                       .arg(box->icon())
-                       .arg(box->buttons().size())
-                       .arg(box->parentWidget() == &window);
-            box->button(QMessageBox::Ok)->click();
-        }));
-        window.showMessage(QStringLiteral("Line E1-3 lost"), type);
-        QTEST(seen, "seen");
-    }
     // "action#before#answer#seen#emitted#after": an action, the settings stored
     // before ("snmp" or "snmp-reset" set the unit's interface), how the modal is
     // answered (yes, escape, close, ok, "accept ARG", "reject ARG"), what it
@@ -314,13 +289,16 @@ private slots:
         const QString restore = "Load_last_saved###Load last saved|Do you realy want load last saved "
                                 "settings?#restoreDevice()#";
         const QString factory = "To_factory#dontresetaddress=";
-        const QString refused = "Reset to factory settings|This action not supported trough SNMP";
+        const QString refused = "Reset to factory settings|This action not supported trough SNMP|1|1";
         const QString load = "Select file.|DOCS|0#loadSettingsFile(/srv/units/mux-7.dvsf,";
         const QString save = "Save_settings#lastsavedpath=DIR#accept mux-7";
         const QString files = "#Select file.|DIR|Device settings file(*.dvsf)|1#";
         QStringList rows {"Read_data####reload()#", "Save####saveMemory()#", "Apply####applyChanges()#",
             "Reset_statistics####resetStatistics()#", "Switch_to_Active####switchToActive()#",
             "Write_data#####", // for subclasses
+            // Messages: the box's icon and whether the window is its parent; an unknown type shows nothing.
+            "message 0##ok#Information|Line E1-3 lost|1|1##", "message 1##ok#Warning|Line E1-3 lost|2|1##",
+            "message 2##ok#Error|Line E1-3 lost|3|1##", "message 3#####",
             factory + "false#accept 1#Factory Reset|0#toFactory(true)#dontresetaddress=true",
             factory + "true#accept 0#Factory Reset|1#toFactory(false)#dontresetaddress=false",
             factory + "true#reject 0#Factory Reset|1##dontresetaddress=true",
@@ -392,8 +370,10 @@ private slots:
             seen = shown->windowTitle();
             if (auto *box = qobject_cast<QMessageBox *>(shown)) {
                 seen += '|' + box->text();
-                if (verb != "ok")
-                    QCOMPARE(box->standardButtons(), QMessageBox::StandardButtons(QMessageBox::Yes));
+                if (verb == "ok")
+                    seen += QStringLiteral("|%1|%2").arg(box->icon()).arg(box->parentWidget() == &window);
+                QCOMPARE(box->standardButtons(),
+                    QMessageBox::StandardButtons(verb == "ok" ? QMessageBox::Ok : QMessageBox::Yes));
                 if (verb == "escape")
                     QTest::keyClick(box, Qt::Key_Escape);
                 else if (verb == "close")
@@ -421,7 +401,10 @@ private slots:
             verb == "accept" ? static_cast<QDialog *>(shown)->accept()
                              : static_cast<QDialog *>(shown)->reject();
         });
-        window.action(qPrintable("action" + action))->trigger();
+        if (action.startsWith("message"))
+            window.showMessage(QStringLiteral("Line E1-3 lost"), action.section(' ', 1).toInt());
+        else
+            window.action(qPrintable("action" + action))->trigger();
         QCOMPARE(modal.answered, int(!answer.isEmpty()));
         QCOMPARE(placeholders(seen), row.section('#', 3, 3));
 
