@@ -248,9 +248,7 @@ private slots:
         const QString layout = dir->filePath(QStringLiteral("run-layout.json"));
         QProcess demo;
         demo.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-        demo.start(QStringLiteral(DEMOHOST_BINARY),
-            {QStringLiteral("--offscreen"), shots, QStringLiteral("--seconds"), QStringLiteral("2"),
-                QStringLiteral("--layout"), layout});
+        demo.start(DEMOHOST_BINARY, {"--offscreen", shots, "--seconds", "2", "--layout", layout});
         QVERIFY(demo.waitForFinished(120000));
         QVERIFY(demo.exitStatus() == QProcess::NormalExit && demo.exitCode() == 0);
         QVERIFY(QFile::exists(layout));

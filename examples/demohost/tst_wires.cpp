@@ -25,10 +25,8 @@
 namespace {
 
 const QString label = QStringLiteral("1.3.6.1.4.1.32473.7.2.1.3");
-const QStringList v3 = {QStringLiteral("-v3"), QStringLiteral("-u"), QStringLiteral("ops"),
-    QStringLiteral("-l"), QStringLiteral("authPriv"), QStringLiteral("-a"), QStringLiteral("SHA"),
-    QStringLiteral("-A"), QStringLiteral("auth-phrase"), QStringLiteral("-x"), QStringLiteral("AES"),
-    QStringLiteral("-X"), QStringLiteral("priv-phrase")};
+const QStringList v3 = {
+    "-v3", "-u", "ops", "-l", "authPriv", "-a", "SHA", "-A", "auth-phrase", "-x", "AES", "-X", "priv-phrase"};
 
 } // namespace
 
@@ -41,10 +39,9 @@ class tst_Wires : public QObject
 private slots:
     void initTestCase()
     {
-        QVERIFY2(agent.start(QStringLiteral(DEMOAGENT_BINARY),
-                     {QStringLiteral("--units"), QStringLiteral("2"), QStringLiteral("--v3-user"),
-                         QStringLiteral("ops"), QStringLiteral("--auth-pass"), QStringLiteral("auth-phrase"),
-                         QStringLiteral("--priv-pass"), QStringLiteral("priv-phrase")}),
+        QVERIFY2(agent.start(DEMOAGENT_BINARY,
+                     {"--units", "2", "--v3-user", "ops", "--auth-pass", "auth-phrase", "--priv-pass",
+                         "priv-phrase"}),
             qPrintable(agent.errorString()));
         QCOMPARE(agent.units().size(), 2);
         QVERIFY(!agent.units().at(0).snmp);
@@ -59,8 +56,7 @@ private slots:
         QTest::addColumn<int>("exitCode");
         QTest::addColumn<QString>("expected"); // a line of the output, or its line count
 
-        const QStringList v1 = {QStringLiteral("-v1"), QStringLiteral("-c"), QStringLiteral("public")};
-        const QStringList v2c = {QStringLiteral("-v2c"), QStringLiteral("-c"), QStringLiteral("public")};
+        const QStringList v1 = {"-v1", "-c", "public"}, v2c = {"-v2c", "-c", "public"};
         const QString product = QStringLiteral("1.3.6.1.4.1.32473.7");
         // 3 system, 12 port, 2 alarm, 8 port status and 6 unit variables.
         QTest::newRow("v1 get") << "snmpget" << v1 + QStringList {"AGENT", label} << 0
@@ -122,8 +118,7 @@ private slots:
     void serialExchangeOverPty()
     {
         QFETCH(bool, answers);
-        int master = -1;
-        int slave = -1;
+        int master = -1, slave = -1;
         char path[128] = {};
         QCOMPARE(openpty(&master, &slave, path, nullptr, nullptr), 0);
         termios raw {};
@@ -179,8 +174,7 @@ private slots:
                                          return host.pollCount(key) >= 2 && host.unit(key)->hasAnswered();
                                      }),
             30000);
-        QVERIFY(host.unit(keys.at(1))->isSnmp());
-        QVERIFY(host.unit(keys.at(1))->temperature() >= 25);
+        QVERIFY(host.unit(keys.at(1))->isSnmp() && host.unit(keys.at(1))->temperature() >= 25);
         // Traps of the agent's units reach the list.
         QTRY_VERIFY_WITH_TIMEOUT(host.trapList()->getModel()->rowCount() > 0, 60000);
     }

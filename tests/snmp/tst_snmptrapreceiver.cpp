@@ -38,16 +38,12 @@ private slots:
         QTest::addColumn<QString>("trapOid");
 
         const QStringList v2 = {"HOST", "1234", ".1.3.6.1.4.1.32473.0.5", unitVariable, "s", "unit text"};
+        const QStringList v1 = {"-v", "1", "-c", "public", "HOST", ".1.3.6.1.4.1.32473.1", "127.0.0.1"};
+        const QStringList tail = {"1234", unitVariable, "s", "unit text"};
         QTest::newRow("v1 enterprise-specific")
-            << "snmptrap"
-            << QStringList {"-v", "1", "-c", "public", "HOST", ".1.3.6.1.4.1.32473.1", "127.0.0.1", "6", "17",
-                   "1234", unitVariable, "s", "unit text"}
-            << ".1.3.6.1.4.1.32473.1.0.17";
+            << "snmptrap" << v1 + QStringList {"6", "17"} + tail << ".1.3.6.1.4.1.32473.1.0.17";
         QTest::newRow("v1 generic linkUp")
-            << "snmptrap"
-            << QStringList {"-v", "1", "-c", "public", "HOST", ".1.3.6.1.4.1.32473.1", "127.0.0.1", "3", "0",
-                   "1234", unitVariable, "s", "unit text"}
-            << ".1.3.6.1.6.3.1.1.5.4";
+            << "snmptrap" << v1 + QStringList {"3", "0"} + tail << ".1.3.6.1.6.3.1.1.5.4";
         QTest::newRow("v2c trap") << "snmptrap" << QStringList {"-v", "2c", "-c", "public"} + v2
                                   << ".1.3.6.1.4.1.32473.0.5";
         // snmpinform fails unless the receiver acknowledges.
@@ -66,21 +62,16 @@ private slots:
         QFETCH(QString, trapOid);
 
         QSignalSpy spy(&receiver, &SnmpTrapReceiver::trapReceived);
-        arguments.replaceInStrings(
-            QStringLiteral("HOST"), QStringLiteral("127.0.0.1:%1").arg(receiver.serverPort()));
+        arguments.replaceInStrings("HOST", QStringLiteral("127.0.0.1:%1").arg(receiver.serverPort()));
         // A trap of a user the receiver does not know comes first and is dropped.
         QStringList stranger = arguments;
-        const int user = stranger.indexOf(QStringLiteral("trapuser"));
+        const int user = stranger.indexOf("trapuser");
         if (user > 0)
-            stranger.replaceInStrings(
-                QRegularExpression(QStringLiteral("^(trapuser|unit text)$")), QStringLiteral("stranger"));
+            stranger.replaceInStrings(QRegularExpression("^(trapuser|unit text)$"), "stranger");
         QProcess tool;
         for (const QStringList &args :
             user > 0 ? QList<QStringList> {stranger, arguments} : QList<QStringList> {arguments}) {
-            tool.start(program,
-                QStringList {
-                    QStringLiteral("-r"), QStringLiteral("0"), QStringLiteral("-t"), QStringLiteral("3")}
-                    + args);
+            tool.start(program, QStringList {"-r", "0", "-t", "3"} + args);
             while (!tool.waitForFinished(10))
                 QCoreApplication::processEvents();
         }
