@@ -1,9 +1,6 @@
 #include "testdevice.h"
 
 #include <device/devicedescriptor.h>
-#include <memory/configmemorymap.h>
-#include <memory/connectmemorymap.h>
-#include <memory/statusmemorymap.h>
 #include <ui/devicemainwindow.h>
 
 #include "../ui/modalanswer.h"
@@ -13,7 +10,6 @@
 #include <QIcon>
 #include <QInputDialog>
 #include <QLineEdit>
-#include <QPointer>
 #include <QtTest>
 
 using VersionList = QList<unsigned short>;
@@ -64,14 +60,6 @@ private slots:
             settings << device.getInterfaceSettings(static_cast<Core::InterfaceProtocolType>(type));
         QCOMPARE(
             settings.join('|') + QString::number(changed.count()), QStringLiteral("|10.0.0.2;public||0"));
-
-        // The connection map has no parent, yet goes with its descriptor.
-        auto *owner = new TestDevice;
-        QPointer<ConfigMemoryMap> config = owner->getConfigMap();
-        QPointer<ConnectMemoryMap> connection = owner->getConnectMap();
-        QCOMPARE(connection->parent(), nullptr);
-        delete owner;
-        QVERIFY(!config && !connection);
     }
     void alarmStateEmitsOnChangeOnly_data()
     {
@@ -92,14 +80,6 @@ private slots:
             device.setAlarmState(static_cast<Core::AlarmType>(level));
         QCOMPARE(spy.count(), emitted);
         QCOMPARE(int(device.getAlarmState()), levels.last());
-    }
-    void splitVersion()
-    {
-        unsigned char a = 0, b = 0, c = 0;
-        DeviceDescriptor::splitVersion(static_cast<unsigned short>(0xFF01), a, b);
-        QCOMPARE(QVector<int>({a, b}), QVector<int>({255, 1}));
-        DeviceDescriptor::splitVersion(0x12030405u, a, b, c);
-        QCOMPARE(QVector<int>({a, b, c}), QVector<int>({3, 4, 5}));
     }
     void permission_data()
     {
@@ -143,7 +123,6 @@ private slots:
         QTest::newRow("at threshold") << threshold << VersionList() << 0x0305 << true;
         QTest::newRow("other major") << threshold << VersionList() << 0x0405 << false;
         QTest::newRow("exemption wins") << threshold << VersionList {0x0307} << 0x0307 << false;
-        QTest::newRow("exemption is exact") << threshold << VersionList {0x0307} << 0x0308 << true;
         QTest::newRow("second entry") << VersionList {0x0109, 0x0302} << VersionList() << 0x0303 << true;
     }
     void needAutorisation()
