@@ -97,8 +97,6 @@ public:
     void loadSettingsFile(QString, bool) override { }
     void saveSettingsFile(QString) override { }
     void switchToActive() override { calls << QStringLiteral("switchToActive()"); }
-
-    int count(const QString &call) const { return calls.count(call); }
 };
 
 #endif // TESTDEVICE_H
