@@ -78,7 +78,6 @@ private slots:
             "connect", "switchActive", "StatAutoRefresh"};
         for (const char *name : names)
             QTest::newRow(name) << QStringLiteral(":/images/%1.png").arg(QLatin1String(name));
-        QTest::newRow("default unit icon path") << QStringLiteral("://images/no_icon.png");
     }
     void iconLoads()
     {
