@@ -3,11 +3,13 @@
 // pseudo-terminal pair. The host's own run with demoagent is tst_demohost's.
 #include "agentprocess.h"
 #include "demounit.h"
+#include "hostwindow.h"
 #include "serialtransport.h"
 
 #include <simulatedunit.h>
 
 #include <device/map.h>
+#include <ui/trapvisual.h>
 
 #include <QProcess>
 #include <QSocketNotifier>
@@ -133,6 +135,29 @@ private slots:
         QVERIFY(!answers || unit->temperature() == 38);
         close(slave);
         close(master);
+    }
+    void hostPollsUnitsOverWires()
+    {
+        QTemporaryDir dir;
+        HostWindow::Options options;
+        options.units = 6;
+        options.scanPeriodMs = 200;
+        options.topologyFile = dir.filePath(QStringLiteral("layout.json"));
+        options.network.errorRate = 0;
+        options.agentProgram = QStringLiteral(DEMOAGENT_BINARY);
+        HostWindow host(options);
+        QVERIFY2(host.start(), qPrintable(host.startError()));
+        const QList<unsigned short> keys = host.unitKeys();
+        QCOMPARE(keys.size(), 6);
+        // Every unit answers its polls, over its pseudo-terminal or its UDP endpoint.
+        QTRY_VERIFY_WITH_TIMEOUT(std::all_of(keys.begin(), keys.end(),
+                                     [&](unsigned short key) {
+                                         return host.pollCount(key) >= 2 && host.unit(key)->hasAnswered();
+                                     }),
+            30000);
+        QVERIFY(host.unit(keys.at(1))->isSnmp() && host.unit(keys.at(1))->temperature() >= 25);
+        // Traps of the agent's units reach the list.
+        QTRY_VERIFY_WITH_TIMEOUT(host.trapList()->getModel()->rowCount() > 0, 60000);
     }
 };
 
