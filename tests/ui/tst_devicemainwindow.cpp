@@ -377,6 +377,15 @@ private slots:
         }
         QCOMPARE(placeholders(state), row.section('#', 5, 5));
     }
+    void storedPeriodHeldToTwoMinutes()
+    {
+        // A stored period past the dialog's range must not stretch the clock.
+        stored("isAutoRefreshEnabled", true);
+        stored("autoRefreshPeriod", 500);
+        Window window;
+        activate(&window);
+        QCOMPARE(window.refreshTimer->interval(), 120000);
+    }
     // A window that goes away while its refresh clock runs, in the ways hosts
     // let windows go, must leave nothing behind that fires later.
     void destroyedWhileRefreshRuns_data()
