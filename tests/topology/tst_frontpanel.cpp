@@ -43,8 +43,6 @@ private slots:
         // Every row is parsed after "dimension: 5x3; 1x1(ofm); tooltip: old".
         QTest::newRow("led, tooltip keeps its blank") << "dimension: 10x4; 1x1(led): 255,0,0; tooltip: Unit A"
                                                       << "1 200x80 3 ' Unit A'";
-        QTest::newRow("one size piece") << "dimension: 10"
-                                        << "0 100x60  ''";
         QTest::newRow("size not a number") << "dimension: ax4; 1x1(ofm)"
                                            << "0 100x60  ''";
         QTest::newRow("keyword case") << "dimension: 10x4; 1x1(LED): 1,2,3"
