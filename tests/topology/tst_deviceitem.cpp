@@ -134,29 +134,6 @@ private slots:
         for (int i = 0; i < 3; ++i)
             QVERIFY(QLineF(drawn.at(i), head.at(i)).length() < 1e-3);
     }
-    void followsItsEnds()
-    {
-        Chain c({QPointF(0, 0), QPointF(300, 0)});
-        // From (57, 27) to (357, 127) the line enters the left edge at y = 27 + 100 * 243 / 300.
-        c.u[1]->setPos(300, 100);
-        QCOMPARE(c.l[0]->line(), QLineF(QPointF(300, 108), QPointF(57, 27)));
-        c.u[0]->setPos(0, 100);
-        c.u[0]->updateFrontPanel("dimension: 10x2");
-        QCOMPARE(c.l[0]->line(), QLineF(QPointF(300, 127), QPointF(107, 127)));
-        // From (107, 127) to (77, 137) the line stays inside the end panel: no head.
-        c.u[1]->setPos(20, 110);
-        QVERIFY(c.l[0]->getArrowHead().isEmpty());
-    }
-    void bounds()
-    {
-        // Tip at x = 157, start centre at x = 57: a horizontal line of 100.
-        Chain near({QPointF(0, 0), QPointF(157, 0)});
-        near.u[0]->setHighLight(DeviceItem::HighLightForward);
-        QCOMPARE(near.l[0]->boundingRect(), QRectF(57 - 11.5, 27 - 11.5, 123, 23));
-        // The head is part of the clickable shape.
-        QVERIFY(near.l[0]->shape().contains(QPointF(150, 29)));
-        QVERIFY(!near.l[0]->shape().contains(QPointF(100, 34)));
-    }
     void highlightPropagation_data()
     {
         QTest::addColumn<int>("unit");

@@ -49,7 +49,6 @@ private slots:
         QTest::addColumn<bool>("accept");
         QTest::addColumn<int>("rows");
         QTest::newRow("accepted") << true << 1;
-        QTest::newRow("accepted, empty model") << true << 0;
         QTest::newRow("cancelled") << false << 1;
     }
     void printOnlyWhenAccepted()
