@@ -254,22 +254,6 @@ private slots:
         QCOMPARE(get(), expected.isValid() ? set : QVariant());
         QCOMPARE(item.getSnmpData().size(), received.size());
     }
-    void readVariablesBySubstring()
-    {
-        BaseRawType item;
-        QHash<QString, QVariant> first {{"1.2.3.44.2", 1}, {"9.1.2.3.4.1", 2}, {"1.2.3", 3}, {"1.2.3.5", 4}};
-        QVERIFY(item.readData(&first));
-        QCOMPARE(item.getMode(), 1u);
-        QVERIFY(item.getSnmpData().isEmpty()); // no start address: nothing taken
-        item.setStartAddress(QStringLiteral("1.2.3.4"));
-        QVERIFY(item.readData(&first));
-        // Later reads replace equal OIDs and keep the rest.
-        QHash<QString, QVariant> second {{"1.2.3.44.2", 5}, {"1.2.3.4.7", 6}};
-        QVERIFY(item.readData(&second));
-        QCOMPARE(item.getSnmpData(),
-            (QHash<QString, QVariant> {{"1.2.3.44.2", 5}, {"9.1.2.3.4.1", 2}, {"1.2.3.4.7", 6}}));
-        QVERIFY(item.clearSnmpData() && item.getSnmpData().isEmpty());
-    }
     // Where a start address may sit inside an OID for the variable to be taken.
     void substringPlaces()
     {

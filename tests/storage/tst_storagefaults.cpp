@@ -99,46 +99,6 @@ private slots:
         // No temporary file is left behind beside it.
         QCOMPARE(QDir(at("unit")).entryList(QDir::Files | QDir::Hidden), QStringList {"settings.dvsf"});
     }
-    void snapshotOverUnreadable()
-    {
-        if (!permissionsBite())
-            QSKIP("file permissions are not enforced for this process");
-        const QString root = at("tree");
-        QVERIFY(QDir().mkpath(root + "/closed"));
-        QVERIFY(writeFile(root + "/open.txt", "open"));
-        QVERIFY(writeFile(root + "/secret.txt", "secret"));
-        QVERIFY(writeFile(root + "/closed/inner.txt", "inner"));
-        QVERIFY(QFile::setPermissions(root, openToAll));
-
-        FileSystemCheck check;
-        check.setPath(root);
-        const QString snapshot = check.toString();
-
-        QVERIFY(QFile::setPermissions(root + "/secret.txt", QFile::Permissions()));
-        QVERIFY(QFile::setPermissions(root + "/closed", QFile::Permissions()));
-        QString report;
-        FileSystemCheck unprivilegedCheck;
-        {
-            Unprivileged unprivileged;
-            report = check.compare(root);
-            unprivilegedCheck.setPath(root);
-        }
-        // What cannot be read counts as changed; what cannot be listed, as gone.
-        QStringList lines = report.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
-        lines.sort();
-        QCOMPARE(lines,
-            (QStringList {"BAD HASH:" + root + "/secret.txt", "NOT EXIST:" + root + "/closed/inner.txt"}));
-
-        // A snapshot taken without access has no digest for the file, and the
-        // file then reads as changed once it can be read again.
-        FileSystemCheck restored;
-        QVERIFY(restored.fromString(unprivilegedCheck.toString()));
-        QVERIFY(QFile::setPermissions(root + "/secret.txt", openToAll));
-        QVERIFY(QFile::setPermissions(root + "/closed", openToAll));
-        QCOMPARE(restored.compare(root), "BAD HASH:" + root + "/secret.txt\n");
-        QVERIFY(check.fromString(snapshot));
-        QCOMPARE(check.compare(root), QString());
-    }
     void snapshotOverLinkLoopsAndPipes()
     {
         const QString root = at("tree");
