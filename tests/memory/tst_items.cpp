@@ -234,6 +234,91 @@ private slots:
         for (int k = 0; k < 10; ++k)
             QCOMPARE((item.*getters[k])(static_cast<unsigned char>(port)), k == family ? 0x12345678u : 0u);
     }
+    void tg826Defaults()
+    {
+        Tg826 item;
+        QCOMPARE(item.getSnmpStartAddress(), QStringLiteral(".1.3.6.1.4.1.32473.2.21.1.3.2.2"));
+
+        // A host with its own enterprise arc replaces the whole address.
+        item.setStartAddress(QStringLiteral(".1.3.6.1.4.1.99999.2.21.1.3.2.2"));
+        QHash<QString, QVariant> answer {{".1.3.6.1.4.1.99999.2.21.1.3.2.2.1.6.2", 86400u}};
+        QVERIFY(item.readData(&answer));
+        QCOMPARE(item.UnavTCrc4(1), 86400u);
+    }
+    void tg826OutOfRangePorts()
+    {
+        Tg826 item;
+        QByteArray image(160, char(0xFF));
+        QVERIFY(item.readData(&image));
+        const QVector<uint> fromImage {item.ESCrc4(3), item.ESCrc4(4)};
+
+        const QString column = item.getSnmpStartAddress() + QStringLiteral(".1.3.");
+        QHash<QString, QVariant> answer {{column + "4", 5u}, {column + "5", 6u}};
+        QVERIFY(item.readData(&answer));
+        // EBCrc4(0) was never received.
+        QCOMPARE(fromImage + QVector<uint>({item.ESCrc4(3), item.ESCrc4(4), item.EBCrc4(0)}),
+            QVector<uint>({0xFFFFFFFF, 0, 5, 0, 0}));
+    }
+    void tg826ArrayItemChecksThePortOnly()
+    {
+        Tg826 item;
+        item.setItemsCount(0);
+        item.setInteger(0, 0, 6, 0x0000BBAA0000ULL); // copy of six bytes
+        // offset 2 + port 1 < 6: counter from byte 6 on, past the copy, reads 0;
+        // port 0 reads bytes 2..5.
+        QCOMPARE(QVector<uint>({item.getArrayItem(2, 0), item.getArrayItem(2, 1), item.getArrayItem(5, 1),
+                     item.getArrayItem(255, 255)}),
+            QVector<uint>({0xBBAA, 0, 0, 0}));
+    }
+    void periphWithoutImage()
+    {
+        PeriphCfg block;
+        block.setArrayItem(0, 0, 1, 5);
+        block.setArrayItem(0, 2, 2, 1, 1, 1, 5);
+        block.firstTimeSlot(3);
+        QCOMPARE(block.getArrayItem(0, 0, 1) + block.getArrayItem(0, 2, 2, 1, 1, 1) + block.boardMode()
+                + block.firstTimeSlot(),
+            0ULL);
+
+        QByteArray empty;
+        block.setByteArray(&empty);
+        QCOMPARE(int(block.boardMode()), 0);
+        block.lastTimeSlot(9);
+        QVERIFY(empty.isEmpty()); // someone else's image is never grown
+    }
+    void periphFixedFields()
+    {
+        QByteArray image(300, '\0');
+        image[100] = char(PeriphCfg::BM_PCM30_CRC4);
+        image[230] = 1;
+        image[231] = 31;
+        PeriphCfg block;
+        block.setByteArray(&image);
+        block.setStartAddress(100);
+        QCOMPARE(QVector<uint>({uint(block.boardMode()), block.firstTimeSlot(), block.lastTimeSlot(),
+                     block.toGlobalAddres(130)}),
+            QVector<uint>({uint(PeriphCfg::BM_PCM30_CRC4), 1, 31, 230}));
+
+        block.boardMode(PeriphCfg::BM_UNFRAMED);
+        block.firstTimeSlot(16);
+        QCOMPARE(int(image[100]) * 1000 + image[230], 1016);
+
+        image[100] = char(0xEE); // unknown codes pass through unchanged
+        QCOMPARE(int(block.boardMode()), 0xEE);
+
+        block.setStartAddress(250); // fields now lie past the image
+        block.lastTimeSlot(5);
+        QCOMPARE(image.size() + block.lastTimeSlot(), 300);
+    }
+    void periphValueBits()
+    {
+        // The first value is not masked to its four bits.
+        QCOMPARE((QVector<quint64> {PeriphCfg::setBits(0, 0, 4, 0x1F), PeriphCfg::setBits(0xFF, 4, 2, 0),
+                     PeriphCfg::setBits(0xAB, 64, 4, 1), PeriphCfg::getBits(0xAB, 4, 4),
+                     PeriphCfg::setBit(0, 63, true), PeriphCfg::setBit(3, 1, false),
+                     PeriphCfg::setBit(3, 64, true), PeriphCfg::getBit(4, 2), PeriphCfg::getBit(~0ULL, 200)}),
+            (QVector<quint64> {0x1F, 0xCF, 0xAB, 0xA, 0x8000000000000000ULL, 1, 3, 1, 0}));
+    }
 };
 
 QTEST_GUILESS_MAIN(tst_Items)
