@@ -465,11 +465,7 @@ void SnmpClientPrivate::onReadable()
 {
     if (!session)
         return;
-    netsnmp_large_fd_set fds;
-    netsnmp_large_fd_set_init(&fds, socket + 1);
-    NETSNMP_LARGE_FD_SET(socket, &fds);
-    snmp_sess_read2(session, &fds);
-    netsnmp_large_fd_set_cleanup(&fds);
+    SnmpValue::readSession(session, socket);
     afterIo();
 }
 

@@ -119,11 +119,7 @@ void SnmpTrapReceiverPrivate::onReadable()
 {
     if (!session)
         return;
-    netsnmp_large_fd_set fds;
-    netsnmp_large_fd_set_init(&fds, socket + 1);
-    NETSNMP_LARGE_FD_SET(socket, &fds);
-    snmp_sess_read2(session, &fds);
-    netsnmp_large_fd_set_cleanup(&fds);
+    SnmpValue::readSession(session, socket);
     QPointer<SnmpTrapReceiver> guard(q);
     while (guard && !traps.isEmpty()) {
         const auto trap = traps.takeFirst();

@@ -241,6 +241,15 @@ bool SnmpValue::needsRemembering(u_char type)
     return type != ASN_INTEGER && type != ASN_OCTET_STR && type != ASN_NULL;
 }
 
+void SnmpValue::readSession(void *session, int socket)
+{
+    netsnmp_large_fd_set fds;
+    netsnmp_large_fd_set_init(&fds, socket + 1);
+    NETSNMP_LARGE_FD_SET(socket, &fds);
+    snmp_sess_read2(session, &fds);
+    netsnmp_large_fd_set_cleanup(&fds);
+}
+
 void SnmpValue::initLibrary()
 {
     static const bool done = [] {

@@ -43,6 +43,9 @@ public:
     // Readies net-snmp once per process (a host that set it up itself
     // keeps its set-up): no configuration files, no state written to disk.
     static void initLibrary();
+    // Hands net-snmp what arrived on a single session's socket; descriptors
+    // above FD_SETSIZE work too.
+    static void readSession(void *session, int socket);
     // The name the SNMP standards give an error status, such as "wrongType".
     static QString statusName(long status);
     // The peer text net-snmp's transports take for the address and port.
