@@ -369,7 +369,9 @@ int SnmpClientPrivate::callback(int op, int reqid, netsnmp_pdu *pdu)
                 .arg(qlonglong(target.timeout) * (target.retries + 1)));
     else
         fail(id, SnmpClient::SendError,
-            SnmpClient::tr("The exchange with %1 port %2 broke off.").arg(target.host.toString()).arg(target.port));
+            SnmpClient::tr("The exchange with %1 port %2 broke off.")
+                .arg(target.host.toString())
+                .arg(target.port));
     return 1;
 }
 
