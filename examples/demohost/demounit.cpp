@@ -11,9 +11,12 @@
 #include <storage/devicesettingsex.h>
 #include <storage/savesettings.h>
 
+#include <QCheckBox>
 #include <QDataStream>
 #include <QIODevice>
 #include <QIcon>
+#include <QMessageBox>
+#include <QPushButton>
 #include <QStatusBar>
 
 using namespace UnitLayout;
@@ -25,6 +28,14 @@ constexpr int missedPollLimit = 3;
 // Not one of the named levels: the topology draws it as a wide black frame
 // and the trap list in grey, which is how the suite shows a silent unit.
 const auto alarmNoAnswer = static_cast<Core::AlarmType>(4);
+
+QString firmwareText(unsigned short firmware)
+{
+    unsigned char major = 0;
+    unsigned char minor = 0;
+    DeviceDescriptor::splitVersion(firmware, major, minor);
+    return QStringLiteral("%1.%2").arg(major).arg(minor);
+}
 
 // Item names in the memory maps.
 const char *const itemPorts = "ports";
@@ -493,12 +504,56 @@ void DemoUnit::loadSettingsFile(QString path, bool skipAddresses)
             false);
         return;
     }
-    if (!setConfigImage(settings.data, skipAddresses)) {
+    if (settings.data.size() != configSize) {
         report(tr("%1 holds a configuration of the wrong size. Nothing was loaded.").arg(path), false);
         return;
     }
+    const QStringList differences = differencesFrom(settings);
+    if (!differences.isEmpty() && !confirmForeignSettings(path, differences, skipAddresses)) {
+        report(tr("Loading %1 was cancelled. Nothing was loaded.").arg(path), false);
+        return;
+    }
+    setConfigImage(settings.data, skipAddresses);
     emit configRead();
     writeConfig(tr("Load settings from %1").arg(path));
+}
+
+QStringList DemoUnit::differencesFrom(const DeviceSettingsEx &settings)
+{
+    // Only what the unit has told us can be compared.
+    if (!answered)
+        return {};
+    QStringList differences;
+    const auto firmware = static_cast<unsigned short>(settings.param16);
+    if (firmware != unitFirmware()) {
+        differences << tr("firmware %1 in the file, %2 in the unit")
+                           .arg(firmwareText(firmware), firmwareText(unitFirmware()));
+    }
+    const QString address = Convert::ipToString(byteString(settings.data.mid(cfgIp, 4)));
+    if (address != ipAddress())
+        differences << tr("address %1 in the file, %2 in the unit").arg(address, ipAddress());
+    return differences;
+}
+
+bool DemoUnit::confirmForeignSettings(
+    const QString &path, const QStringList &differences, bool &skipAddresses)
+{
+    // A file of another unit would give this one the other's address, and two
+    // units with one address take each other's traps: addresses stay unless
+    // the user clears the box.
+    QMessageBox box(QMessageBox::Warning, tr("Settings of another unit"),
+        tr("%1 was not saved from %2:\n%3.\n\nLoad it anyway?")
+            .arg(path, getParameter(DP_NAME).toString(), differences.join(QStringLiteral(";\n"))),
+        QMessageBox::Yes | QMessageBox::Cancel, unitWindow);
+    box.button(QMessageBox::Yes)->setText(tr("Load"));
+    box.setDefaultButton(QMessageBox::Cancel);
+    auto *keep = new QCheckBox(tr("Do not load addresses"));
+    keep->setChecked(true);
+    box.setCheckBox(keep);
+    if (box.exec() != QMessageBox::Yes)
+        return false;
+    skipAddresses = keep->isChecked();
+    return true;
 }
 
 bool DemoUnit::setPassword(QString password)

@@ -11,9 +11,11 @@
 #include <QList>
 #include <QPointer>
 #include <QString>
+#include <QStringList>
 
 class BaseRawType;
 class Tg826;
+struct DeviceSettingsEx;
 
 // The device model of a "DemoMux-4E1": four E1 ports, an Ethernet port and
 // G.826 statistics. This is the class a host writes once per kind of unit:
@@ -137,6 +139,10 @@ private:
     bool portFlag(int port, unsigned char bit, const char *column);
     void setPortFlag(int port, unsigned char bit, const char *column, bool on);
     void report(const QString &text, bool ok);
+    // How a settings file differs from this unit, in words; empty when it is the unit's own.
+    QStringList differencesFrom(const DeviceSettingsEx &settings);
+    // Asks before another unit's settings are loaded; may set skipAddresses.
+    bool confirmForeignSettings(const QString &path, const QStringList &differences, bool &skipAddresses);
     void refreshFrontPanel();
 
     QPointer<UnitWindow> unitWindow;

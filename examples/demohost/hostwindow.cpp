@@ -10,6 +10,7 @@
 #include <device/map.h>
 #include <storage/savesettings.h>
 #include <topology/devicegraphicsview.h>
+#include <topology/deviceitem.h>
 #include <topology/devicescene.h>
 #include <ui/printing.h>
 #include <ui/trapvisual.h>
@@ -25,6 +26,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
+#include <QMessageBox>
 #include <QPushButton>
 #include <QSortFilterProxyModel>
 #include <QSplitter>
@@ -37,6 +39,7 @@
 #include <QTreeView>
 #include <QVBoxLayout>
 
+#include <algorithm>
 #include <cmath>
 #include <memory>
 
@@ -78,7 +81,7 @@ HostWindow::HostWindow(const Options &options, QWidget *parent)
     : QMainWindow(parent)
     , options(options)
     , map(new Map(this))
-    , topology(new DeviceScene(this))
+    , topology(new HostScene(this))
     , view(nullptr)
     , traps(new TrapVisual(this))
     , store(options.topologyFile.isEmpty() ? defaultTopologyFile() : options.topologyFile)
@@ -89,8 +92,6 @@ HostWindow::HostWindow(const Options &options, QWidget *parent)
     // Settings files name their model; files of the older generation find
     // their code through this table, which only the host can fill.
     SaveSettings::deviceCodes.insert(UnitLayout::deviceCode, UnitLayout::modelName());
-    // Room for the whole drawing area in which units may be placed.
-    topology->setSceneRect(0, 0, 2150, 1150);
     buildUi();
 
     // The transport listens to the map's requests and hands back answers.
@@ -112,6 +113,12 @@ HostWindow::HostWindow(const Options &options, QWidget *parent)
     connect(topology, &DeviceScene::contextMenu, this, &HostWindow::onDeviceContextMenu);
     connect(topology, &DeviceScene::contextMenuLink, this, &HostWindow::onLinkContextMenu);
     connect(topology, &DeviceScene::togleAlarm, this, [this] { ++blinks; });
+    connect(topology, &QGraphicsScene::selectionChanged, this, &HostWindow::onSceneSelectionChanged);
+    connect(topology, &HostScene::linkRefused, this, [this](unsigned short from, unsigned short to) {
+        statusBar()->showMessage(
+            tr("%1 and %2 are already linked; the new link was not added.").arg(unitName(from), unitName(to)),
+            8000);
+    });
 
     alarmPush->setSingleShot(true);
     connect(alarmPush, &QTimer::timeout, this, &HostWindow::pushAlarms);
@@ -122,8 +129,10 @@ HostWindow::HostWindow(const Options &options, QWidget *parent)
 
 HostWindow::~HostWindow()
 {
-    if (started)
-        saveTopology();
+    // A window closed by the user has saved already and said so if it could not.
+    if (started && !layoutSaved && !saveTopology())
+        qWarning("The layout could not be saved to %s: %s", qPrintable(store.path()),
+            qPrintable(store.errorString()));
     // Stop the lines first, then the agent, then the map; the units go with this window.
     delete simulatedNetwork;
     simulatedNetwork = nullptr;
@@ -203,6 +212,12 @@ void HostWindow::buildUi()
     main->setSizes({480, 240});
     setCentralWidget(main);
 
+    lblNotice = new QLabel;
+    lblNotice->setObjectName(QStringLiteral("lblNotice"));
+    lblNotice->setStyleSheet(QStringLiteral("QLabel { color: #a00000; }"));
+    lblNotice->setWordWrap(false);
+    lblNotice->hide();
+    statusBar()->addPermanentWidget(lblNotice, 1);
     lblStatus = new QLabel;
     lblStatus->setObjectName(QStringLiteral("lblStatus"));
     statusBar()->addPermanentWidget(lblStatus);
@@ -227,6 +242,13 @@ QWidget *HostWindow::buildTrapPanel()
     tvwTraps->verticalHeader()->hide();
     tvwTraps->setEditTriggers(QAbstractItemView::NoEditTriggers);
     tvwTraps->setSelectionBehavior(QAbstractItemView::SelectRows);
+    tvwTraps->setToolTip(tr("Double-click a trap to show its unit"));
+    connect(tvwTraps, &QTableView::doubleClicked, this, [this](const QModelIndex &index) {
+        // The Device column carries the sending unit's key.
+        const QVariant key = index.sibling(index.row(), 1).data(TrapVisual::IdentifierRole);
+        if (key.isValid())
+            showUnit(static_cast<unsigned short>(key.toULongLong()));
+    });
 
     leTrapFilter = new QLineEdit;
     leTrapFilter->setObjectName(QStringLiteral("leTrapFilter"));
@@ -301,9 +323,23 @@ void HostWindow::buildToolBar()
     connect(bar->addAction(tr("Zoom in")), &QAction::triggered, this, [this] { view->scale(1.15, 1.15); });
     connect(bar->addAction(tr("Zoom out")), &QAction::triggered, this,
         [this] { view->scale(1 / 1.15, 1 / 1.15); });
-    connect(bar->addAction(tr("Fit")), &QAction::triggered, this, [this] {
-        view->fitInView(topology->itemsBoundingRect().adjusted(-20, -20, 20, 20), Qt::KeepAspectRatio);
+    connect(bar->addAction(tr("Fit")), &QAction::triggered, this, &HostWindow::fitToUnits);
+    bar->addSeparator();
+    leFind = new QLineEdit;
+    leFind->setObjectName(QStringLiteral("leFind"));
+    leFind->setPlaceholderText(tr("Find unit (Ctrl+F)"));
+    leFind->setToolTip(tr("A name or an address; Enter shows the next match"));
+    leFind->setClearButtonEnabled(true);
+    leFind->setMaximumWidth(220);
+    connect(leFind, &QLineEdit::returnPressed, this, &HostWindow::findUnit);
+    bar->addWidget(leFind);
+    auto *find = new QAction(tr("Find unit"), this);
+    find->setShortcut(QKeySequence::Find);
+    connect(find, &QAction::triggered, this, [this] {
+        leFind->setFocus(Qt::ShortcutFocusReason);
+        leFind->selectAll();
     });
+    addAction(find);
     bar->addSeparator();
 
     QAction *scan = bar->addAction(QIcon(QStringLiteral(":/images/connect.png")), tr("Scan"));
@@ -418,47 +454,125 @@ bool HostWindow::addUnitsOnWires()
 
 void HostWindow::placeUnits()
 {
-    const bool stored = store.load();
-    const int sites = (keys.size() + unitsPerSite - 1) / unitsPerSite;
-    const int sitesPerRow = qMax(1, static_cast<int>(std::ceil(sites / 8.0)));
-    const int rows = (sites + sitesPerRow - 1) / sitesPerRow;
-    const double cellWidth = qMin(260.0, 1880.0 / (sitesPerRow * unitsPerSite));
-    const double cellHeight = qMin(130.0, 1040.0 / qMax(1, rows));
-
-    for (int i = 0; i < keys.size(); ++i) {
-        DemoUnit *device = unit(keys.at(i));
+    const TopologyStore::LoadResult loaded = store.load();
+    if (loaded == TopologyStore::Damaged)
+        reportDamagedLayout();
+    // Panels first, so that the grid is measured by what is drawn.
+    QList<unsigned short> unplaced;
+    for (unsigned short key : qAsConst(keys)) {
+        DemoUnit *device = unit(key);
         // Kept by name: ports and terminal paths of the agent change between runs.
         const QString name = device->getParameter(DeviceDescriptor::DP_NAME).toString();
-        QPointF pos;
-        double z = -1.0; // the scene's default stacking
-        if (stored && store.hasPlace(name)) {
-            pos = store.place(name).pos;
-            z = store.place(name).z;
-        } else {
-            const int site = i / unitsPerSite;
-            pos = QPointF(20 + ((site % sitesPerRow) * unitsPerSite + i % unitsPerSite) * cellWidth,
-                20 + (site / sitesPerRow) * cellHeight);
-        }
-        topology->addDeviceItem(keys.at(i), device->getFrontPanel(), pos, z);
+        const bool known = store.hasPlace(name);
+        const TopologyStore::Place place = store.place(name);
+        // -1: the scene's default stacking.
+        topology->addDeviceItem(key, device->getFrontPanel(), place.pos, known ? place.z : -1.0);
+        if (!known)
+            unplaced.append(key);
     }
+    placeOnGrid(unplaced, loaded != TopologyStore::Missing);
 
-    if (stored) {
+    if (loaded == TopologyStore::Missing) {
+        linkOnGrid();
+    } else {
         QHash<QString, unsigned short> byName;
         for (unsigned short key : qAsConst(keys))
-            byName.insert(unit(key)->getParameter(DeviceDescriptor::DP_NAME).toString(), key);
+            byName.insert(unitName(key), key);
         for (const auto &link : store.links()) {
             if (byName.contains(link.first) && byName.contains(link.second))
-                topology->addArrowLink(byName.value(link.first), byName.value(link.second));
+                topology->addLink(byName.value(link.first), byName.value(link.second));
         }
-        return;
     }
-    // A first start: each site is a chain, and the sites hang off each other.
+    // Room around the units to drag them into.
+    const QRectF units = topology->itemsBoundingRect();
+    topology->setSceneRect(
+        units.adjusted(-200, -200, qMax(800.0, units.width() / 2), qMax(400.0, units.height() / 2)));
+    showTopology();
+}
+
+void HostWindow::placeOnGrid(const QList<unsigned short> &unplaced, bool avoidOthers)
+{
+    // Sites side by side in rows about twice as wide as high, each unit in a
+    // cell of its own, so that no panel covers another.
+    const DeviceItem *first = topology->getDeviceItem(keys.value(0));
+    const QSizeF panel = first ? first->boundingRect().size() : QSizeF(220, 60);
+    gridCell = panel + QSizeF(40, 30);
+    const int perRow
+        = static_cast<int>(std::ceil(std::sqrt(keys.size() * gridCell.height() / gridCell.width() * 2.0)));
+    gridColumns = qMax(1, (perRow + unitsPerSite - 1) / unitsPerSite) * unitsPerSite;
     for (int i = 0; i < keys.size(); ++i) {
-        if (i % unitsPerSite != 0)
-            topology->addArrowLink(keys.at(i - 1), keys.at(i));
-        else if (i > 0)
-            topology->addArrowLink(keys.at(i - unitsPerSite), keys.at(i));
+        if (!unplaced.contains(keys.at(i)))
+            continue;
+        QRectF cell(
+            QPointF(20 + (i % gridColumns) * gridCell.width(), 20 + (i / gridColumns) * gridCell.height()),
+            panel);
+        // Among units the user has placed, go down to the first free cell.
+        for (int tries = 0; avoidOthers && tries < 1000; ++tries) {
+            const QList<QGraphicsItem *> there = topology->items(cell);
+            if (std::none_of(there.cbegin(), there.cend(),
+                    [](QGraphicsItem *item) { return item->type() == DeviceItem::Type; }))
+                break;
+            cell.translate(0, gridCell.height());
+        }
+        topology->getDeviceItem(keys.at(i))->setPos(cell.topLeft());
     }
+}
+
+void HostWindow::linkOnGrid()
+{
+    // A first start: each row is a chain and the rows hang off the first
+    // column. Every link joins two neighbouring cells, so none passes under
+    // another unit.
+    for (int i = 1; i < keys.size(); ++i)
+        topology->addLink(keys.at(i % gridColumns != 0 ? i - 1 : i - gridColumns), keys.at(i));
+}
+
+void HostWindow::showTopology()
+{
+    // The view has its size only once the window is laid out, so this runs
+    // again from the event loop.
+    const TopologyStore::View saved = store.view();
+    auto apply = [this, saved] {
+        if (saved.zoom <= 0) {
+            fitToUnits();
+            return;
+        }
+        view->resetTransform();
+        view->scale(saved.zoom, saved.zoom);
+        view->centerOn(saved.centre);
+    };
+    apply();
+    QTimer::singleShot(0, this, apply);
+}
+
+void HostWindow::fitToUnits()
+{
+    view->fitInView(topology->itemsBoundingRect().adjusted(-20, -20, 20, 20), Qt::KeepAspectRatio);
+}
+
+void HostWindow::reportDamagedLayout()
+{
+    const QString aside = store.keepAside();
+    showNotice(aside.isEmpty()
+            ? tr("The layout file %1 is damaged (%2) and could not be kept aside; units without a place were "
+                 "placed "
+                 "afresh.")
+                  .arg(store.path(), store.errorString())
+            : tr("The layout file was damaged (%1); it was kept as %2 and units without a place were placed "
+                 "afresh.")
+                  .arg(store.errorString(), aside));
+}
+
+void HostWindow::showNotice(const QString &text)
+{
+    lblNotice->setText(text);
+    lblNotice->setToolTip(text);
+    lblNotice->setVisible(!text.isEmpty());
+}
+
+QString HostWindow::noticeText() const
+{
+    return lblNotice->text();
 }
 
 bool HostWindow::saveTopology()
@@ -481,6 +595,7 @@ bool HostWindow::saveTopology()
             links.append(qMakePair(names.value(link.first), names.value(link.second)));
     }
     store.setLinks(links);
+    store.setView({view->mapToScene(view->viewport()->rect().center()), view->transform().m11()});
     return store.save();
 }
 
@@ -565,9 +680,19 @@ void HostWindow::onLinkContextMenu(const QPointF &scenePos, unsigned short from,
 {
     QMenu menu(this);
     menu.addSection(tr("%1 to %2").arg(unitName(from), unitName(to)));
-    connect(
-        menu.addAction(tr("Remove link")), &QAction::triggered, topology, &DeviceScene::removeSelectedArrows);
+    connect(menu.addAction(tr("Remove link...")), &QAction::triggered, this,
+        [this, from, to] { removeLink(from, to); });
     menu.exec(view->viewport()->mapToGlobal(view->mapFromScene(scenePos)));
+}
+
+void HostWindow::removeLink(unsigned short from, unsigned short to)
+{
+    const QMessageBox::StandardButton answer = QMessageBox::question(this, tr("Remove link"),
+        tr("Remove the link from %1 to %2?").arg(unitName(from), unitName(to)),
+        QMessageBox::Yes | QMessageBox::No, QMessageBox::No);
+    // The link under the mouse is the selected one.
+    if (answer == QMessageBox::Yes)
+        topology->removeSelectedArrows();
 }
 
 void HostWindow::onTreeActivated(const QModelIndex &index)
@@ -587,12 +712,65 @@ void HostWindow::onTreeCurrentChanged(const QModelIndex &index)
         return;
     const int key = index.data(Map::ITEM_KEY_ROLE).toInt();
     if (key >= 0) {
-        topology->setSelected(static_cast<unsigned short>(key));
+        if (!syncingSelection)
+            topology->setSelected(static_cast<unsigned short>(key));
         return;
     }
     // A site: tint all its units on the drawing.
     map->getGroupItemList(index, groupHighlighted);
     topology->setHighlightGroup(groupHighlighted, true);
+}
+
+void HostWindow::onSceneSelectionChanged()
+{
+    const QList<unsigned short> selected = topology->getSelectedDevices();
+    if (selected.size() != 1 || syncingSelection)
+        return;
+    QStandardItemModel *model = map->getModel();
+    const QModelIndexList found = model->match(model->index(0, 0), Map::ITEM_KEY_ROLE,
+        static_cast<int>(selected.first()), 1, Qt::MatchExactly | Qt::MatchRecursive);
+    if (found.isEmpty())
+        return;
+    syncingSelection = true;
+    trvDevices->setCurrentIndex(found.first());
+    trvDevices->scrollTo(found.first());
+    syncingSelection = false;
+}
+
+void HostWindow::showUnit(unsigned short key)
+{
+    DeviceItem *item = topology->getDeviceItem(key);
+    if (!item)
+        return;
+    topology->setSelected(key);
+    // A unit found among two thousand is no help at a scale where its panel cannot be read.
+    if (view->transform().m11() < 0.6) {
+        view->resetTransform();
+        view->scale(0.8, 0.8);
+    }
+    view->centerOn(item);
+}
+
+void HostWindow::findUnit()
+{
+    const QString text = leFind->text().trimmed();
+    if (text.isEmpty() || keys.isEmpty())
+        return;
+    // Enter again goes on from the unit found last.
+    const QList<unsigned short> selected = topology->getSelectedDevices();
+    const int from = selected.size() == 1 ? keys.indexOf(selected.first()) + 1 : 0;
+    for (int n = 0; n < keys.size(); ++n) {
+        const unsigned short key = keys.at((from + n) % keys.size());
+        DemoUnit *device = unit(key);
+        if (unitName(key).contains(text, Qt::CaseInsensitive)
+            || device->getParameter(DeviceDescriptor::DP_ADDRESS)
+                   .toString()
+                   .contains(text, Qt::CaseInsensitive)) {
+            showUnit(key);
+            return;
+        }
+    }
+    statusBar()->showMessage(tr("No unit matches \u201c%1\u201d.").arg(text), 5000);
 }
 
 void HostWindow::printTraps()
@@ -647,6 +825,17 @@ void HostWindow::updateStatusLine()
 
 void HostWindow::closeEvent(QCloseEvent *event)
 {
+    if (started && !saveTopology()) {
+        const QMessageBox::StandardButton answer = QMessageBox::warning(this, tr("Layout not saved"),
+            tr("The layout could not be saved to %1: %2.\n\nClose anyway and lose the changes to the layout?")
+                .arg(store.path(), store.errorString()),
+            QMessageBox::Close | QMessageBox::Cancel, QMessageBox::Cancel);
+        if (answer != QMessageBox::Close) {
+            event->ignore();
+            return;
+        }
+    }
+    layoutSaved = started;
     // Configuration windows are top-level windows of their own.
     for (unsigned short key : qAsConst(keys)) {
         if (DemoUnit *device = unit(key))

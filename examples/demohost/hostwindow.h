@@ -1,6 +1,7 @@
 #ifndef HOSTWINDOW_H
 #define HOSTWINDOW_H
 
+#include "hostscene.h"
 #include "simulatednetwork.h"
 #include "topologystore.h"
 
@@ -12,12 +13,12 @@
 #include <QMainWindow>
 #include <QPersistentModelIndex>
 #include <QSet>
+#include <QSizeF>
 #include <QString>
 
 class AgentProcess;
 class DemoUnit;
 class DeviceGraphicsView;
-class DeviceScene;
 class Map;
 class QActionGroup;
 class QCheckBox;
@@ -65,8 +66,10 @@ public:
 
     // What the status line shows.
     QString statusText() const;
-    // Saves the positions and links of the drawing now; also done on close.
+    // Saves the positions, links and view of the drawing now; also done on close.
     bool saveTopology();
+    // A lasting remark of the status line, such as a damaged layout file.
+    QString noticeText() const;
 
 signals:
     void screenshotsTaken(bool ok, const QString &message);
@@ -80,7 +83,8 @@ private:
     friend class tst_Wires;
 
     Map *deviceMap() const { return map; }
-    DeviceScene *scene() const { return topology; }
+    HostScene *scene() const { return topology; }
+    DeviceGraphicsView *topologyView() const { return view; }
     // Null unless the units are simulated.
     SimulatedNetwork *network() const { return simulatedNetwork; }
     TrapVisual *trapList() const { return traps; }
@@ -98,6 +102,17 @@ private:
     bool addUnitsOnWires();
     unsigned short addUnit(int index, Core::InterfaceProtocolType protocol, const QString &address);
     void placeUnits();
+    void placeOnGrid(const QList<unsigned short> &unplaced, bool avoidOthers);
+    void linkOnGrid();
+    void showTopology();
+    void fitToUnits();
+    void reportDamagedLayout();
+    void showNotice(const QString &text);
+    // Selects the unit on the drawing and in the tree and brings it into view.
+    void showUnit(unsigned short key);
+    void onSceneSelectionChanged();
+    void findUnit();
+    void removeLink(unsigned short from, unsigned short to);
     void startScanPass();
     void refreshAlarms();
     void pushAlarms();
@@ -113,7 +128,7 @@ private:
 
     Options options;
     Map *map;
-    DeviceScene *topology;
+    HostScene *topology;
     DeviceGraphicsView *view;
     // The transports: simulated units, or serial lines and SNMP clients.
     SimulatedNetwork *simulatedNetwork = nullptr;
@@ -131,6 +146,8 @@ private:
     QCheckBox *chbTrapColors;
     QCheckBox *chbTrapFreeze;
     QLabel *lblStatus;
+    QLabel *lblNotice;
+    QLineEdit *leFind = nullptr;
     QActionGroup *highlightGroup = nullptr;
 
     QList<unsigned short> keys;
@@ -141,6 +158,10 @@ private:
     int blinks = 0;
     int trapCount = 0;
     bool started = false;
+    bool layoutSaved = false;
+    bool syncingSelection = false;
+    int gridColumns = 4;
+    QSizeF gridCell;
     QString error;
     QPersistentModelIndex site;
 };

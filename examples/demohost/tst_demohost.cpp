@@ -12,16 +12,25 @@
 #include <device/map.h>
 #include <memory/baserawtype.h>
 #include <memory/statusmemorymap.h>
+#include <topology/devicegraphicsview.h>
 #include <topology/deviceitem.h>
+#include <topology/linkarrow.h>
 #include <topology/devicescene.h>
 #include <ui/trapvisual.h>
 
 #include <QAction>
+#include <QCheckBox>
 #include <QFile>
+#include <QGraphicsView>
 #include <QImage>
+#include <QLineEdit>
+#include <QMessageBox>
 #include <QProcess>
+#include <QPushButton>
 #include <QSet>
 #include <QSortFilterProxyModel>
+#include <QTableView>
+#include <QTreeView>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -45,6 +54,30 @@ class tst_DemoHost : public QObject
         host->show();
         host->start();
         return host;
+    }
+
+    static void verifyNoOverlap(HostWindow *host, bool linksToo)
+    {
+        QList<QRectF> panels;
+        for (unsigned short key : host->unitKeys())
+            panels << host->scene()->getDeviceItem(key)->sceneBoundingRect();
+        for (int i = 0; i < panels.size(); ++i) {
+            for (int j = i + 1; j < panels.size(); ++j)
+                QVERIFY2(!panels.at(i).intersects(panels.at(j)),
+                    qPrintable(QStringLiteral("%1 %2").arg(i).arg(j)));
+        }
+        for (const auto &link : host->scene()->getArrowLinkList()) {
+            const QLineF line(host->scene()->getDeviceItem(link.first)->sceneBoundingRect().center(),
+                host->scene()->getDeviceItem(link.second)->sceneBoundingRect().center());
+            for (int i = 0; linksToo && i < panels.size(); ++i) {
+                const unsigned short key = host->unitKeys().at(i);
+                QPainterPath under;
+                under.addRect(panels.at(i));
+                QPainterPath path(line.p1());
+                path.lineTo(line.p2());
+                QVERIFY(key == link.first || key == link.second || !under.intersects(path));
+            }
+        }
     }
 
 private slots:
@@ -117,8 +150,20 @@ private slots:
         QCOMPARE(done.count(), 1);
         QVERIFY(done.takeFirst().at(1).toBool());
 
-        // Loaded without addresses: the SNMP unit keeps its own IP.
-        to->loadSettingsFile(path, true);
+        // Another unit's file: the user is warned and the addresses are kept unless cleared.
+        auto load = [&](QMessageBox::StandardButton button) {
+            QString text;
+            ModalAnswer answer(as<QMessageBox>([&](QMessageBox *box) {
+                text = box->text() + (box->checkBox()->isChecked() ? "[kept]" : "");
+                box->button(button)->click();
+            }));
+            to->loadSettingsFile(path, false);
+            QVERIFY2(text.contains("10.1.0.1 in the file, 192.0.2.11") && text.endsWith("[kept]"),
+                qPrintable(text));
+        };
+        load(QMessageBox::Cancel);
+        QCOMPARE(to->label(), QStringLiteral("Mux 4"));
+        load(QMessageBox::Yes);
         const QByteArray expected = QByteArray::fromHex("03030005"
                                                         "c000020b" // 192.0.2.11, unit 4's own
                                                         "ffffff00")
@@ -184,8 +229,19 @@ private slots:
         {
             auto host = makeHost(0.0);
             keys = host->unitKeys();
+            // A first start shows every unit, and no default link passes under a third unit.
+            QGraphicsView *view = host->topologyView();
+            QTRY_VERIFY(view->mapToScene(view->viewport()->rect())
+                            .boundingRect()
+                            .contains(host->scene()->itemsBoundingRect()));
+            verifyNoOverlap(host.get(), true);
             host->scene()->getDeviceItem(keys.at(2))->setPos(640, 480);
-            host->scene()->addArrowLink(keys.at(11), keys.at(0));
+            QVERIFY(host->scene()->addLink(keys.at(11), keys.at(0)));
+            QVERIFY(!host->scene()->addLink(keys.at(0), keys.at(11))
+                && !host->scene()->addLink(keys.at(1), keys.at(0)));
+            view->resetTransform();
+            view->scale(2, 2);
+            view->centerOn(host->scene()->getDeviceItem(keys.at(5)));
         } // closing the host saves its layout
 
         auto host = makeHost(0.0);
@@ -194,6 +250,115 @@ private slots:
         const auto links = host->scene()->getArrowLinkList();
         QVERIFY(links.contains(qMakePair(keys.at(11), keys.at(0))));
         QCOMPARE(links.size(), 12); // 11 first-start links and the one drawn
+        QTRY_COMPARE(host->topologyView()->transform().m11(), 2.0);
+        QVERIFY(host->topologyView()
+                    ->mapToScene(host->topologyView()->viewport()->rect())
+                    .boundingRect()
+                    .contains(host->scene()->getDeviceItem(keys.at(5))->sceneBoundingRect().center()));
+
+        // A link drawn again with the mouse, the other way round, is refused.
+        QSignalSpy refused(host->scene(), &HostScene::linkRefused);
+        host->scene()->setInsertMode(DeviceScene::LinkMode);
+        QWidget *viewport = host->topologyView()->viewport();
+        auto at = [&](int i) {
+            return host->topologyView()->mapFromScene(
+                host->scene()->getDeviceItem(keys.at(i))->sceneBoundingRect().center());
+        };
+        auto send = [&](QEvent::Type type, int i, Qt::MouseButton button, Qt::MouseButtons buttons) {
+            QMouseEvent event(type, at(i), viewport->mapToGlobal(at(i)), button, buttons, Qt::NoModifier);
+            QApplication::sendEvent(viewport, &event);
+        };
+        host->fitToUnits();
+        send(QEvent::MouseButtonPress, 0, Qt::LeftButton, Qt::LeftButton);
+        send(QEvent::MouseMove, 11, Qt::NoButton, Qt::LeftButton);
+        send(QEvent::MouseButtonRelease, 11, Qt::LeftButton, Qt::NoButton);
+        QCOMPARE(refused.count(), 1);
+        QCOMPARE(host->scene()->getArrowLinkList().size(), 12);
+    }
+
+    void unitsAreFoundAndShown()
+    {
+        auto host = makeHost(0.0);
+        const QList<unsigned short> keys = host->unitKeys();
+        auto shown = [&] {
+            const QList<unsigned short> selected = host->scene()->getSelectedDevices();
+            const QRectF seen = host->view->mapToScene(host->view->viewport()->rect()).boundingRect();
+            const int tree = host->trvDevices->currentIndex().data(Map::ITEM_KEY_ROLE).toInt();
+            return selected.size() == 1 && tree == selected.first()
+                    && seen.contains(
+                        host->scene()->getDeviceItem(selected.first())->sceneBoundingRect().center())
+                ? keys.indexOf(selected.first())
+                : -1;
+        };
+        // The drawing and the tree follow each other.
+        host->scene()->setSelected(keys.at(3));
+        QCOMPARE(shown(), 3);
+        host->trvDevices->setCurrentIndex(host->trvDevices->currentIndex().sibling(1, 0));
+        QCOMPARE(shown(), 1);
+        // Found by address, then by name again and again, and not at all.
+        QList<int> found;
+        for (const QString &text :
+            {host->unit(keys.at(9))->getParameter(DeviceDescriptor::DP_ADDRESS).toString(),
+                QStringLiteral("mux 1"), QStringLiteral("mux 1"), QStringLiteral("Site"),
+                QStringLiteral("Mux 1")}) {
+            host->leFind->setText(text);
+            host->findUnit();
+            found << shown();
+        }
+        QCOMPARE(found, (QList<int> {9, 10, 11, 11, 0}));
+        // A trap leads to its unit.
+        host->trapList()->setTrap({keys.at(6), QStringLiteral("Mux 7"), 1, {}, QString()});
+        emit host->tvwTraps->doubleClicked(host->trapList()->getModel()->index(0, 2));
+        QCOMPARE(shown(), 6);
+        // A link goes only when the user says yes.
+        for (auto button : {QMessageBox::No, QMessageBox::Yes}) {
+            host->scene()->getDeviceItem(keys.at(1))->getArrows().first()->setSelected(true);
+            ModalAnswer answer(as<QMessageBox>([button](QMessageBox *box) { box->button(button)->click(); }));
+            host->removeLink(keys.at(0), keys.at(1));
+            QCOMPARE(host->scene()->getArrowLinkList().size(), button == QMessageBox::No ? 11 : 10);
+        }
+    }
+
+    void damagedLayoutIsKeptAside_data()
+    {
+        QTest::addColumn<QByteArray>("content");
+        QTest::newRow("garbage") << QByteArray("\x89PNG\r\n not a layout");
+        QTest::newRow("truncated") << QByteArray(R"({"units": {"Mux 5": {"x": 20, "y": 2)");
+        QTest::newRow("empty") << QByteArray();
+        QTest::newRow("wrong types") << QByteArray(
+            R"({"units": {"Mux 1": {"x": 300, "y": 200}, "Mux 2": {"x": "300", "y": 200}, "Mux 3": [1, 2]}, "links": 7})");
+    }
+
+    void damagedLayoutIsKeptAside()
+    {
+        QFETCH(QByteArray, content);
+        const QString path = dir->filePath(QStringLiteral("layout.json"));
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::WriteOnly) && file.write(content) == content.size());
+        file.close();
+        {
+            auto host = makeHost(0.0);
+            const QString kept
+                = host->noticeText().section(QStringLiteral(" was kept as "), 1).section(' ', 0, 0);
+            QFile aside(kept);
+            QVERIFY2(aside.open(QIODevice::ReadOnly) && aside.readAll() == content,
+                qPrintable(host->noticeText()));
+            // Every unit stands on its own, the one readable place kept.
+            verifyNoOverlap(host.get(), false);
+            if (content.contains("Mux 1"))
+                QCOMPARE(host->scene()->getItemPos(host->unitKeys().at(0)), QPointF(300, 200));
+        }
+        // The next start finds a sound file again.
+        QCOMPARE(makeHost(0.0)->noticeText(), QString());
+
+        // A layout that cannot be saved is not given up without a word.
+        auto host = makeHost(0.0);
+        QVERIFY(QFile::remove(path) && QDir().mkpath(path));
+        {
+            ModalAnswer answer(
+                as<QMessageBox>([](QMessageBox *box) { box->button(QMessageBox::Cancel)->click(); }));
+            QVERIFY(!host->close() && host->isVisible());
+        }
     }
 
     void offscreenRunWritesScreenshots()
