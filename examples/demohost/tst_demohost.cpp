@@ -14,11 +14,13 @@
 #include <memory/statusmemorymap.h>
 #include <topology/deviceitem.h>
 #include <topology/devicescene.h>
+#include <topology/frontpanel.h>
 #include <ui/trapvisual.h>
 
 #include <QAction>
 #include <QFile>
 #include <QImage>
+#include <QPainter>
 #include <QProcess>
 #include <QSet>
 #include <QSortFilterProxyModel>
@@ -194,6 +196,31 @@ private slots:
         const auto links = host->scene()->getArrowLinkList();
         QVERIFY(links.contains(qMakePair(keys.at(11), keys.at(0))));
         QCOMPARE(links.size(), 12); // 11 first-start links and the one drawn
+    }
+
+    // The states of a port tell apart without colour: each leaves ink of its
+    // own shape in the port's cells.
+    void portStatesReadWithoutColour()
+    {
+        DemoUnit unit(Core::IPT_SERIAL, QStringLiteral("1"), 0x0100);
+        QList<QImage> shapes;
+        // Off, up, up with traffic, loss of signal, alarm indication signal.
+        for (const char state : {'\x00', '\x01', '\x81', '\x02', '\x03'}) {
+            QByteArray answer(2 + UnitLayout::statusSize, '\0');
+            answer[0] = char(UnitLayout::CmdReadStatus | UnitLayout::answerBit);
+            answer[2 + UnitLayout::stPortState] = state;
+            unit.updateStatus();
+            unit.setData(answer);
+            FrontPanel panel;
+            panel.parse(unit.getFrontPanel());
+            QImage image(panel.getDimensionRect().size().toSize(), QImage::Format_RGB32);
+            image.fill(Qt::white);
+            QPainter painter(&image);
+            panel.paint(&painter);
+            const QImage shape = image.copy(40, 20, 20, 40).createMaskFromColor(qRgb(255, 255, 255));
+            QVERIFY(!shapes.contains(shape));
+            shapes << shape;
+        }
     }
 
     void offscreenRunWritesScreenshots()
