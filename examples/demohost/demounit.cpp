@@ -859,30 +859,39 @@ bool DemoUnit::setConfigImage(const QByteArray &image, bool keepAddresses)
 QString DemoUnit::getFrontPanel()
 {
     // 11 x 3 cells of 20 pixels: a title strip, the line interface, four
-    // port LEDs, the unit's alarm lamp and its management port, and a level
-    // bar for the processor load.
+    // ports, the unit's alarm lamp and its management port, and a level bar
+    // for the processor load.
     QStringList entries;
     entries << QStringLiteral("dimension: 11x3") << QStringLiteral("0x0(background): 222,226,232,11")
             << QStringLiteral("0.2x0(text): %1,18").arg(panelText(getParameter(DP_NAME).toString()))
             << QStringLiteral("0x1(interf): %1").arg(isSnmp() ? 1 : 0);
+    // A port reads without colour: a small lamp while it is off, a large one
+    // while it is in use, and under it a small lamp for traffic or the
+    // letter of its fault.
     for (int port = 0; port < portCount; ++port) {
-        QString colour = QStringLiteral("150,150,150"); // disabled
-        if (answered) {
-            switch (portState(port)) {
-            case PortUp:
-                colour = portActivity(port) ? QStringLiteral("0,220,0") : QStringLiteral("0,150,0");
-                break;
-            case PortLos:
-                colour = QStringLiteral("230,0,0");
-                break;
-            case PortAis:
-                colour = QStringLiteral("240,200,0");
-                break;
-            case PortDisabled:
+        const int x = 2 + port;
+        switch (answered ? portState(port) : PortDisabled) {
+        case PortDisabled:
+            entries << QStringLiteral("%1x1(led): 150,150,150").arg(x);
+            break;
+        case PortUp:
+            if (!portActivity(port)) {
+                entries << QStringLiteral("%1x1(alarm): 0,150,0").arg(x);
                 break;
             }
+            entries << QStringLiteral("%1x1(alarm): 0,220,0").arg(x)
+                    << QStringLiteral("%1x2(led): 0,220,0").arg(x);
+            break;
+        case PortLos:
+            entries << QStringLiteral("%1x1(alarm): 230,0,0").arg(x)
+                    << QStringLiteral("%1x2(text): %2").arg(x).arg(panelText(tr("L", "loss of signal")));
+            break;
+        case PortAis:
+            entries
+                << QStringLiteral("%1x1(alarm): 240,200,0").arg(x)
+                << QStringLiteral("%1x2(text): %2").arg(x).arg(panelText(tr("A", "alarm indication signal")));
+            break;
         }
-        entries << QStringLiteral("%1x1(led): %2").arg(2 + port).arg(colour);
     }
     QString lamp = QStringLiteral("0,200,0");
     switch (static_cast<int>(getAlarmState())) {
@@ -904,7 +913,7 @@ QString DemoUnit::getFrontPanel()
         entries << QStringLiteral("9x1(rj45): %1,%2").arg(ethernetActivity() ? 1 : 0).arg(answered ? 1 : 0);
     else
         entries << QStringLiteral("8x1(db9): 0");
-    entries << QStringLiteral("2x2(progressbar): %1,4").arg(answered ? load() : 0)
+    entries << QStringLiteral("7x2(progressbar): %1,4").arg(answered ? load() : 0)
             << QStringLiteral("tooltip: %1 (%2)")
                    .arg(panelText(getParameter(DP_NAME).toString()),
                        panelText(getParameter(DP_ADDRESS).toString()));

@@ -139,6 +139,12 @@ int main(int argc, char **argv)
             qputenv("QT_QPA_PLATFORM", "offscreen");
     }
     raiseDescriptorLimit();
+#if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
+    // Qt 6 does both by itself: follow the screen's scale, and draw the
+    // library's @2x icons there instead of blowing up the small ones.
+    QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
+    QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
+#endif
     QApplication app(argc, argv);
     QApplication::setOrganizationName(QStringLiteral("MuxCore"));
     QApplication::setApplicationName(QStringLiteral("demohost"));

@@ -16,6 +16,7 @@
 #include <topology/deviceitem.h>
 #include <topology/linkarrow.h>
 #include <topology/devicescene.h>
+#include <topology/frontpanel.h>
 #include <ui/trapvisual.h>
 
 #include <QAction>
@@ -25,6 +26,7 @@
 #include <QImage>
 #include <QLineEdit>
 #include <QMessageBox>
+#include <QPainter>
 #include <QProcess>
 #include <QPushButton>
 #include <QSet>
@@ -358,6 +360,31 @@ private slots:
             ModalAnswer answer(
                 as<QMessageBox>([](QMessageBox *box) { box->button(QMessageBox::Cancel)->click(); }));
             QVERIFY(!host->close() && host->isVisible());
+        }
+    }
+
+    // The states of a port tell apart without colour: each leaves ink of its
+    // own shape in the port's cells.
+    void portStatesReadWithoutColour()
+    {
+        DemoUnit unit(Core::IPT_SERIAL, QStringLiteral("1"), 0x0100);
+        QList<QImage> shapes;
+        // Off, up, up with traffic, loss of signal, alarm indication signal.
+        for (const char state : {'\x00', '\x01', '\x81', '\x02', '\x03'}) {
+            QByteArray answer(2 + UnitLayout::statusSize, '\0');
+            answer[0] = char(UnitLayout::CmdReadStatus | UnitLayout::answerBit);
+            answer[2 + UnitLayout::stPortState] = state;
+            unit.updateStatus();
+            unit.setData(answer);
+            FrontPanel panel;
+            panel.parse(unit.getFrontPanel());
+            QImage image(panel.getDimensionRect().size().toSize(), QImage::Format_RGB32);
+            image.fill(Qt::white);
+            QPainter painter(&image);
+            panel.paint(&painter);
+            const QImage shape = image.copy(40, 20, 20, 40).createMaskFromColor(qRgb(255, 255, 255));
+            QVERIFY(!shapes.contains(shape));
+            shapes << shape;
         }
     }
 

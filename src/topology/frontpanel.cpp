@@ -64,12 +64,19 @@ QPen blackPen()
     return QPen(QBrush(Qt::black), 1, Qt::SolidLine, Qt::SquareCap, Qt::BevelJoin);
 }
 
-const QImage &interfaceImage(int type)
+// The picture of an interface type, or a null image. The large variant
+// serves targets wider than the picture on the device, where blowing up the
+// small one would blur it (high-density screens, zoomed views, printers).
+const QImage &interfaceImage(int type, bool large)
 {
     static const QImage serial(QStringLiteral(":/images/serial-port.png"));
     static const QImage ethernet(QStringLiteral(":/images/ethernet.png"));
+    static const QImage serialLarge(QStringLiteral(":/images/serial-port@2x.png"));
+    static const QImage ethernetLarge(QStringLiteral(":/images/ethernet@2x.png"));
     static const QImage none;
-    return type == 0 ? serial : type == 1 ? ethernet : none;
+    if (type == 0)
+        return large ? serialLarge : serial;
+    return type == 1 ? (large ? ethernetLarge : ethernet) : none;
 }
 
 // The label as shown: cut to the length given as second parameter.
@@ -177,10 +184,12 @@ void paintInterface(QPainter *p, const FrontPanelElement &e)
 {
     bool ok = false;
     const int type = e.parameters.isEmpty() ? -1 : intParam(e.parameters, 0, &ok);
-    const QImage &image = interfaceImage(type);
+    const QRectF target(e.x, e.y, 1.5 * s, 1.5 * s);
+    const qreal deviceWidth = p->deviceTransform().mapRect(target).width();
+    const QImage &image = interfaceImage(type, deviceWidth > interfaceImage(type, false).width());
     if (!ok || image.isNull())
         return;
-    p->drawImage(QRectF(e.x, e.y, 1.5 * s, 1.5 * s), image);
+    p->drawImage(target, image);
 }
 
 // A jack body with two LED windows along its top edge.

@@ -3,7 +3,9 @@
 
 #include <QtTest>
 
+#include <QIcon>
 #include <QImage>
+#include <QPainter>
 
 using Dictionary = QHash<int, QString>;
 
@@ -15,6 +17,8 @@ const auto bytes = [](const char *hex) {
     const QByteArray raw = QByteArray::fromHex(hex);
     return QString::fromLatin1(raw.constData(), raw.size());
 };
+
+[[maybe_unused]] const bool doubleDensity = qputenv("QT_SCALE_FACTOR", "2"); // read once, at start
 
 } // namespace
 
@@ -69,23 +73,35 @@ private slots:
     }
 
     // Every icon a host or the configuration window names ships inside the
-    // library and is a real picture, not a blank square.
+    // library and is a real picture, not a blank square, with a variant of
+    // twice the size that Qt paints where pixels are twice as dense.
     void iconLoads_data()
     {
         QTest::addColumn<QString>("path");
+#if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
+        QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps); // Qt 6 always does
+#endif
         const char *names[] = {"folder", "serial-port", "ethernet", "no_icon", "download", "upload",
             "storage", "apply", "save", "close", "erase", "restart", "returned_black", "disconnect",
             "connect", "switchActive", "StatAutoRefresh"};
         for (const char *name : names)
             QTest::newRow(name) << QStringLiteral(":/images/%1.png").arg(QLatin1String(name));
+        QCOMPARE(QDir(":/images").entryList().size(), 2 * 17); // and no icon without its variant
     }
     void iconLoads()
     {
         QFETCH(QString, path);
-        const QImage image = QImage(path).convertToFormat(QImage::Format_ARGB32);
+        const QImage image = QImage(path).convertToFormat(QImage::Format_ARGB32_Premultiplied);
         QImage blank = image;
         blank.fill(image.pixel(0, 0));
         QVERIFY(!image.isNull() && image != blank);
+        QImage screen(image.size() * 2, image.format());
+        screen.setDevicePixelRatio(2);
+        screen.fill(Qt::transparent);
+        QPainter painter(&screen);
+        QIcon(path).paint(&painter, image.rect());
+        painter.end();
+        QVERIFY(screen == QImage(QString(path).replace(".png", "@2x.png")).convertToFormat(image.format()));
     }
 
     void endian_data()
