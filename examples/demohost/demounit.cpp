@@ -856,8 +856,46 @@ bool DemoUnit::setConfigImage(const QByteArray &image, bool keepAddresses)
     return true;
 }
 
+QString DemoUnit::alarmColour(const QString &silent)
+{
+    // Not heard from yet: green would claim a health nobody has seen.
+    if (!answered)
+        return silent;
+    switch (static_cast<int>(getAlarmState())) {
+    case Core::ALARM_OK:
+        return QStringLiteral("0,200,0");
+    case Core::ALARM_MINOR:
+        return QStringLiteral("240,200,0");
+    case Core::ALARM_MAJOR:
+    case Core::ALARM_MAJOR_MINOR:
+        return QStringLiteral("230,0,0");
+    default:
+        return silent;
+    }
+}
+
+QString DemoUnit::panelTooltip()
+{
+    return QStringLiteral("tooltip: %1 (%2)")
+        .arg(panelText(getParameter(DP_NAME).toString()), panelText(getParameter(DP_ADDRESS).toString()));
+}
+
+QString DemoUnit::compactFrontPanel()
+{
+    // 2 x 1 cells: the unit's number on a strip of its alarm colour, so that
+    // two thousand units fit the drawing side by side. The frame still
+    // blinks and the tooltip names the unit; the full panel is one setting away.
+    const QString number = panelText(getParameter(DP_NAME).toString().section(QLatin1Char(' '), -1));
+    return QStringList {QStringLiteral("dimension: 2x1"),
+        QStringLiteral("0x0(background): %1,2").arg(alarmColour(QStringLiteral("170,170,170"))),
+        QStringLiteral("0x0(text): %1,4").arg(number), panelTooltip()}
+        .join(QLatin1Char(';'));
+}
+
 QString DemoUnit::getFrontPanel()
 {
+    if (compact)
+        return compactFrontPanel();
     // 11 x 3 cells of 20 pixels: a title strip, the line interface, four
     // ports, the unit's alarm lamp and its management port, and a level bar
     // for the processor load.
@@ -893,29 +931,11 @@ QString DemoUnit::getFrontPanel()
             break;
         }
     }
-    QString lamp = QStringLiteral("0,200,0");
-    switch (static_cast<int>(getAlarmState())) {
-    case Core::ALARM_OK:
-        break;
-    case Core::ALARM_MINOR:
-        lamp = QStringLiteral("240,200,0");
-        break;
-    case Core::ALARM_MAJOR:
-    case Core::ALARM_MAJOR_MINOR:
-        lamp = QStringLiteral("230,0,0");
-        break;
-    default:
-        lamp = QStringLiteral("80,80,80");
-        break;
-    }
-    entries << QStringLiteral("7x1(alarm): %1").arg(lamp);
+    entries << QStringLiteral("7x1(alarm): %1").arg(alarmColour(QStringLiteral("80,80,80")));
     if (isSnmp())
         entries << QStringLiteral("9x1(rj45): %1,%2").arg(ethernetActivity() ? 1 : 0).arg(answered ? 1 : 0);
     else
         entries << QStringLiteral("8x1(db9): 0");
-    entries << QStringLiteral("7x2(progressbar): %1,4").arg(answered ? load() : 0)
-            << QStringLiteral("tooltip: %1 (%2)")
-                   .arg(panelText(getParameter(DP_NAME).toString()),
-                       panelText(getParameter(DP_ADDRESS).toString()));
+    entries << QStringLiteral("7x2(progressbar): %1,4").arg(answered ? load() : 0) << panelTooltip();
     return entries.join(QLatin1Char(';'));
 }

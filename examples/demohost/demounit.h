@@ -80,6 +80,9 @@ public:
     bool ethernetActivity();
     QDateTime unitClock();
     unsigned short unitFirmware();
+    // A two-cell panel for networks too large for full panels side by side.
+    void setCompactPanel(bool on) { compact = on; }
+    bool isCompactPanel() const { return compact; }
     // The open configuration window, or null.
     UnitWindow *configWindow() const { return unitWindow; }
     // The counters of the last status read; never null.
@@ -144,6 +147,10 @@ private:
     // Asks before another unit's settings are loaded; may set skipAddresses.
     bool confirmForeignSettings(const QString &path, const QStringList &differences, bool &skipAddresses);
     void refreshFrontPanel();
+    QString compactFrontPanel();
+    QString panelTooltip();
+    // The alarm lamp's colour; silent for a unit that does not answer.
+    QString alarmColour(const QString &silent);
 
     QPointer<UnitWindow> unitWindow;
     Tg826 *counters = nullptr;
@@ -156,6 +163,7 @@ private:
     int requests = 0;
     int failures = 0;
     QString lastFrontPanel;
+    bool compact = false;
 };
 
 #endif // DEMOUNIT_H

@@ -46,6 +46,29 @@
 namespace {
 
 constexpr int unitsPerSite = 4;
+// The scene keeps a unit's origin inside this rectangle.
+const QRectF originArea(0, 0, 1900, 1060);
+
+// The columns and cell of a grid that holds count panels inside the drawing,
+// with gaps as wide as room allows; false when even the narrowest gap leaves
+// too little room.
+bool fitGrid(const QSizeF &panel, int count, int &columns, QSizeF &cell)
+{
+    for (double gap : {40.0, 30.0, 20.0, 12.0, 6.0, 2.0}) {
+        cell = panel + QSizeF(gap, gap * 0.75);
+        const int maxColumns = static_cast<int>(originArea.width() / cell.width()) + 1;
+        const int maxRows = static_cast<int>(originArea.height() / cell.height()) + 1;
+        if (maxColumns * maxRows < count)
+            continue;
+        // Rows about twice as wide as high, whole sites to a row.
+        int wanted = static_cast<int>(std::ceil(std::sqrt(2.0 * count * cell.height() / cell.width())));
+        wanted = (wanted + unitsPerSite - 1) / unitsPerSite * unitsPerSite;
+        columns = qBound((count + maxRows - 1) / maxRows, wanted, maxColumns);
+        return true;
+    }
+    columns = static_cast<int>(originArea.width() / cell.width()) + 1;
+    return false;
+}
 
 QString siteName(int site)
 {
@@ -457,7 +480,7 @@ void HostWindow::placeUnits()
     const TopologyStore::LoadResult loaded = store.load();
     if (loaded == TopologyStore::Damaged)
         reportDamagedLayout();
-    // Panels first, so that the grid is measured by what is drawn.
+    chooseGrid();
     QList<unsigned short> unplaced;
     for (unsigned short key : qAsConst(keys)) {
         DemoUnit *device = unit(key);
@@ -483,38 +506,49 @@ void HostWindow::placeUnits()
                 topology->addLink(byName.value(link.first), byName.value(link.second));
         }
     }
-    // Room around the units to drag them into.
-    const QRectF units = topology->itemsBoundingRect();
-    topology->setSceneRect(
-        units.adjusted(-200, -200, qMax(800.0, units.width() / 2), qMax(400.0, units.height() / 2)));
+    // The whole area units can be dragged in, and a margin.
+    topology->setSceneRect(originArea.adjusted(-20, -20, 260, 100).united(topology->itemsBoundingRect()));
     showTopology();
+}
+
+void HostWindow::chooseGrid()
+{
+    // Measured on a panel drawn aside, so that the grid follows what is drawn.
+    auto panelSize = [this] {
+        DeviceItem probe;
+        QString description = unit(keys.value(0))->getFrontPanel();
+        probe.setParameters(description);
+        return probe.polygon().boundingRect().size();
+    };
+    if (keys.isEmpty() || fitGrid(panelSize(), keys.size(), gridColumns, gridCell))
+        return;
+    // Full panels side by side would not fit the drawing: every unit gets the small one.
+    for (unsigned short key : qAsConst(keys))
+        unit(key)->setCompactPanel(true);
+    if (!fitGrid(panelSize(), keys.size(), gridColumns, gridCell))
+        qWarning("%d units are more than the drawing holds side by side; some overlap.", int(keys.size()));
 }
 
 void HostWindow::placeOnGrid(const QList<unsigned short> &unplaced, bool avoidOthers)
 {
-    // Sites side by side in rows about twice as wide as high, each unit in a
-    // cell of its own, so that no panel covers another.
-    const DeviceItem *first = topology->getDeviceItem(keys.value(0));
-    const QSizeF panel = first ? first->boundingRect().size() : QSizeF(220, 60);
-    gridCell = panel + QSizeF(40, 30);
-    const int perRow
-        = static_cast<int>(std::ceil(std::sqrt(keys.size() * gridCell.height() / gridCell.width() * 2.0)));
-    gridColumns = qMax(1, (perRow + unitsPerSite - 1) / unitsPerSite) * unitsPerSite;
+    const QSet<unsigned short> open(unplaced.cbegin(), unplaced.cend());
     for (int i = 0; i < keys.size(); ++i) {
-        if (!unplaced.contains(keys.at(i)))
+        if (!open.contains(keys.at(i)))
             continue;
-        QRectF cell(
-            QPointF(20 + (i % gridColumns) * gridCell.width(), 20 + (i / gridColumns) * gridCell.height()),
-            panel);
+        DeviceItem *item = topology->getDeviceItem(keys.at(i));
+        // Selection marks included, so that not even those overlap.
+        QRectF cell = item->boundingRect().translated(
+            (i % gridColumns) * gridCell.width(), (i / gridColumns) * gridCell.height());
         // Among units the user has placed, go down to the first free cell.
-        for (int tries = 0; avoidOthers && tries < 1000; ++tries) {
+        for (int tries = 0; avoidOthers && tries < 1000 && cell.top() <= originArea.bottom(); ++tries) {
             const QList<QGraphicsItem *> there = topology->items(cell);
-            if (std::none_of(there.cbegin(), there.cend(),
-                    [](QGraphicsItem *item) { return item->type() == DeviceItem::Type; }))
+            if (std::none_of(there.cbegin(), there.cend(), [item](QGraphicsItem *other) {
+                    return other != item && other->type() == DeviceItem::Type;
+                }))
                 break;
             cell.translate(0, gridCell.height());
         }
-        topology->getDeviceItem(keys.at(i))->setPos(cell.topLeft());
+        item->setPos(cell.topLeft() - item->boundingRect().topLeft());
     }
 }
 

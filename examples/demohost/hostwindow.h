@@ -102,6 +102,7 @@ private:
     bool addUnitsOnWires();
     unsigned short addUnit(int index, Core::InterfaceProtocolType protocol, const QString &address);
     void placeUnits();
+    void chooseGrid();
     void placeOnGrid(const QList<unsigned short> &unplaced, bool avoidOthers);
     void linkOnGrid();
     void showTopology();

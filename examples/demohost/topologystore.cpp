@@ -29,6 +29,14 @@ bool isCoordinate(const QJsonValue &value)
         && std::abs(value.toDouble()) <= maximumCoordinate;
 }
 
+// The scene moves a unit's origin into 1900 x 1060; a place beyond would
+// land, without a word, on whatever unit stands at the edge.
+bool isPlace(const QJsonValue &x, const QJsonValue &y)
+{
+    return isCoordinate(x) && isCoordinate(y) && x.toDouble() >= 0 && x.toDouble() <= 1900
+        && y.toDouble() >= 0 && y.toDouble() <= 1060;
+}
+
 } // namespace
 
 TopologyStore::TopologyStore(const QString &path)
@@ -91,7 +99,7 @@ bool TopologyStore::readUnits(const QJsonValue &value)
         const QJsonValue y = entry.value(QLatin1String("y"));
         const QJsonValue z = entry.value(QLatin1String("z"));
         // A unit without a readable place is placed afresh, never at 0,0 on top of another.
-        if (!isCoordinate(x) || !isCoordinate(y) || !(z.isUndefined() || isCoordinate(z))) {
+        if (!isPlace(x, y) || !(z.isUndefined() || isCoordinate(z))) {
             ok = false;
             continue;
         }

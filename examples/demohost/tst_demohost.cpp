@@ -14,9 +14,9 @@
 #include <memory/statusmemorymap.h>
 #include <topology/devicegraphicsview.h>
 #include <topology/deviceitem.h>
-#include <topology/linkarrow.h>
 #include <topology/devicescene.h>
 #include <topology/frontpanel.h>
+#include <topology/linkarrow.h>
 #include <ui/trapvisual.h>
 
 #include <QAction>
@@ -32,8 +32,8 @@
 #include <QSet>
 #include <QSortFilterProxyModel>
 #include <QTableView>
-#include <QTreeView>
 #include <QTemporaryDir>
+#include <QTreeView>
 #include <QtTest>
 
 #include <memory>
@@ -43,10 +43,10 @@ class tst_DemoHost : public QObject
     Q_OBJECT
     std::unique_ptr<QTemporaryDir> dir;
 
-    std::unique_ptr<HostWindow> makeHost(double errorRate)
+    std::unique_ptr<HostWindow> makeHost(double errorRate, int units = 12)
     {
         HostWindow::Options options;
-        options.units = 12;
+        options.units = units;
         options.scanPeriodMs = 200;
         options.topologyFile = dir->filePath(QStringLiteral("layout.json"));
         options.simulated = true;
@@ -321,6 +321,14 @@ private slots:
         }
     }
 
+    void manyUnitsStandApart()
+    {
+        // Full panels of 600 units cannot stand side by side in the drawing; small ones can.
+        auto host = makeHost(0.0, 600);
+        QVERIFY(host->unit(host->unitKeys().last())->isCompactPanel());
+        verifyNoOverlap(host.get(), false);
+    }
+
     void damagedLayoutIsKeptAside_data()
     {
         QTest::addColumn<QByteArray>("content");
@@ -328,7 +336,7 @@ private slots:
         QTest::newRow("truncated") << QByteArray(R"({"units": {"Mux 5": {"x": 20, "y": 2)");
         QTest::newRow("empty") << QByteArray();
         QTest::newRow("wrong types") << QByteArray(
-            R"({"units": {"Mux 1": {"x": 300, "y": 200}, "Mux 2": {"x": "300", "y": 200}, "Mux 3": [1, 2]}, "links": 7})");
+            R"({"units": {"Mux 1": {"x": 300, "y": 200}, "Mux 2": {"x": "300", "y": 200}, "Mux 4": {"x": 1e9, "y": 0}, "Mux 3": [1, 2]}, "links": 7})");
     }
 
     void damagedLayoutIsKeptAside()
