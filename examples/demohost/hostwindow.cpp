@@ -363,6 +363,11 @@ void HostWindow::buildToolBar()
         leFind->selectAll();
     });
     addAction(find);
+    // Closing saves the layout, and says so if it cannot.
+    auto *quit = new QAction(tr("Quit"), this);
+    quit->setShortcut(QKeySequence::Quit);
+    connect(quit, &QAction::triggered, this, &QWidget::close);
+    addAction(quit);
     bar->addSeparator();
 
     QAction *scan = bar->addAction(QIcon(QStringLiteral(":/images/connect.png")), tr("Scan"));
