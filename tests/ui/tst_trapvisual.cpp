@@ -90,6 +90,34 @@ private slots:
         parts.sort();
         QTEST(parts, "parts");
     }
+    void maximumRows_data()
+    {
+        QTest::addColumn<int>("before");
+        QTest::addColumn<int>("after");
+        QTest::addColumn<QString>("kept");
+        QTest::newRow("no limit") << 0 << 0 << "12345";
+        QTest::newRow("full list drops the oldest") << 3 << 3 << "345";
+        QTest::newRow("lowered at once") << 0 << 2 << "45";
+        QTest::newRow("raised keeps what is left") << 2 << 4 << "45";
+        QTest::newRow("negative is no limit") << -1 << 5 << "12345";
+    }
+    void maximumRows()
+    {
+        QFETCH(int, before);
+        QFETCH(int, after);
+        TrapVisual list;
+        // The view's order must not decide which rows are the oldest.
+        list.getModel()->sort(1, Qt::DescendingOrder);
+        list.setMaximumRows(before);
+        for (const char *name : {"1", "2", "3", "4", "5"})
+            list.setTrap(trap(0, name));
+        list.setMaximumRows(after);
+        QString kept;
+        for (int row = list.getModel()->rowCount() - 1; row >= 0; --row)
+            kept += list.getModel()->index(row, 1).data().toString();
+        QTEST(kept, "kept");
+        QCOMPARE(list.maximumRows(), after);
+    }
     void background()
     {
         // Only rows that arrived while colours were on are tinted, all three cells.
