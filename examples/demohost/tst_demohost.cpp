@@ -7,6 +7,7 @@
 #include "demounit.h"
 #include "hostwindow.h"
 #include "simulatedunit.h"
+#include "trapwords.h"
 #include "unitwindow.h"
 
 #include <device/map.h>
@@ -17,9 +18,14 @@
 #include <ui/trapvisual.h>
 
 #include <QAction>
+#include <QCheckBox>
 #include <QFile>
 #include <QImage>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMessageBox>
 #include <QProcess>
+#include <QPushButton>
 #include <QSet>
 #include <QSortFilterProxyModel>
 #include <QTemporaryDir>
@@ -93,6 +99,59 @@ private slots:
                 snmpNames.insert(host->unit(key)->getParameter(DeviceDescriptor::DP_NAME).toString());
         for (int row = 0; row < traps->rowCount(); ++row)
             QVERIFY(snmpNames.contains(traps->index(row, 1).data().toString()));
+    }
+
+    void trapsInWords_data()
+    {
+        using namespace UnitLayout;
+        const QString trapOid = QStringLiteral("1.3.6.1.6.3.1.1.4.1.0");
+        QTest::addColumn<QVariantHash>("variables");
+        QTest::addColumn<QString>("words");
+        QTest::newRow("loss of signal") << QVariantHash {{trapOid, productArc() + ".0.2"},
+            {oidAlarmLevel(), 1}, {oidPortStatus() + ".2.2", PortLos + 1}}
+                                        << "Event=loss of signal|Port=E1 2|Severity=Major";
+        QTest::newRow("restart") << QVariantHash {{trapOid, productArc() + ".0.1"}, {oidEndpointPort(), 1161},
+            {"1.3.6.1.2.1.1.3.0", 8640123}}
+                                 << "Event=restarted|SNMP port=1161|Severity=Minor|Up time=1 d 00:00:01";
+        QTest::newRow("unknown kept")
+            << QVariantHash {{trapOid, productArc() + ".0.9"}, {"1.2.3", "x"}, {oidPortStatus() + ".2.0", 2}}
+            << "1.2.3=x|1.3.6.1.4.1.32473.7.3.2.2.0=2|Event=" + productArc() + ".0.9|Severity=Minor";
+    }
+    void trapsInWords()
+    {
+        QFETCH(QVariantHash, variables);
+        const QVariantHash words = TrapWords::describe(variables, Core::ALARM_MINOR);
+        QStringList pairs;
+        for (auto it = words.cbegin(); it != words.cend(); ++it)
+            pairs << it.key() + '=' + it.value().toString();
+        pairs.sort();
+        QTEST(pairs.join('|'), "words");
+    }
+
+    void frozenTrapsAreHeldAndClearAsks()
+    {
+        auto host = makeHost(0.0);
+        QSortFilterProxyModel *traps = host->trapList()->getModel();
+        host->chbTrapFreeze->setChecked(true);
+        const int shown = traps->rowCount();
+        QTRY_VERIFY_WITH_TIMEOUT(host->heldTrapCount() >= 2, 20000);
+        QCOMPARE(traps->rowCount(), shown);
+        QVERIFY(host->statusText().endsWith(QStringLiteral("| %1 traps held").arg(host->heldTrapCount())));
+        QTest::qWait(20);
+        const int held = host->heldTrapCount();
+        const QDateTime thawed = QDateTime::currentDateTime();
+        host->chbTrapFreeze->setChecked(false);
+        QCOMPARE(traps->rowCount(), shown + held);
+        for (int row = 0; row < traps->rowCount(); ++row) // held traps keep their arrival time
+            QVERIFY(traps->index(row, 0).data().toDateTime() < thawed);
+        host->leTrapFilter->setText(host->trapList()->getModel()->index(0, 1).data().toString() + '$');
+        QCOMPARE(host->lblTrapCount->text(),
+            QStringLiteral("%1 of %2 traps").arg(traps->rowCount()).arg(shown + held));
+        for (auto button : {QMessageBox::No, QMessageBox::Yes}) {
+            ModalAnswer answer(as<QMessageBox>([button](QMessageBox *box) { box->button(button)->click(); }));
+            host->findChild<QPushButton *>(QStringLiteral("pbtTrapClear"))->click();
+            QCOMPARE(traps->rowCount() == 0, button == QMessageBox::Yes);
+        }
     }
 
     void settingsFileMovesBetweenUnits()
