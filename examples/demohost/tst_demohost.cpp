@@ -17,15 +17,12 @@
 #include <topology/devicescene.h>
 #include <ui/trapvisual.h>
 
+#include <QAbstractButton>
 #include <QAction>
-#include <QCheckBox>
 #include <QFile>
 #include <QImage>
-#include <QLabel>
-#include <QLineEdit>
 #include <QMessageBox>
 #include <QProcess>
-#include <QPushButton>
 #include <QSet>
 #include <QSortFilterProxyModel>
 #include <QTemporaryDir>
@@ -104,18 +101,15 @@ private slots:
     void trapsInWords_data()
     {
         using namespace UnitLayout;
-        const QString trapOid = QStringLiteral("1.3.6.1.6.3.1.1.4.1.0");
+        const QString trap = QStringLiteral("1.3.6.1.6.3.1.1.4.1.0"), port = oidPortStatus() + ".2.";
         QTest::addColumn<QVariantHash>("variables");
         QTest::addColumn<QString>("words");
-        QTest::newRow("loss of signal") << QVariantHash {{trapOid, productArc() + ".0.2"},
-            {oidAlarmLevel(), 1}, {oidPortStatus() + ".2.2", PortLos + 1}}
-                                        << "Event=loss of signal|Port=E1 2|Severity=Major";
-        QTest::newRow("restart") << QVariantHash {{trapOid, productArc() + ".0.1"}, {oidEndpointPort(), 1161},
-            {"1.3.6.1.2.1.1.3.0", 8640123}}
-                                 << "Event=restarted|SNMP port=1161|Severity=Minor|Up time=1 d 00:00:01";
-        QTest::newRow("unknown kept")
-            << QVariantHash {{trapOid, productArc() + ".0.9"}, {"1.2.3", "x"}, {oidPortStatus() + ".2.0", 2}}
-            << "1.2.3=x|1.3.6.1.4.1.32473.7.3.2.2.0=2|Event=" + productArc() + ".0.9|Severity=Minor";
+        QTest::newRow("loss of signal") << QVariantHash {{trap, productArc() + ".0.2"}, {oidAlarmLevel(), 1},
+            {port + '2', PortLos + 1}} << "Event=loss of signal|Port=E1 2|Severity=Major";
+        const QVariantHash restart {{trap, productArc() + ".0.1"}, {"1.3.6.1.2.1.1.3.0", 8640123}};
+        QTest::newRow("restart") << restart << "Event=restarted|Severity=Minor|Up time=1 d 00:00:01";
+        QTest::newRow("unknown kept") << QVariantHash {{trap, "1.9"}, {port + '0', 2}}
+                                      << "1.3.6.1.4.1.32473.7.3.2.2.0=2|Event=1.9|Severity=Minor";
     }
     void trapsInWords()
     {
@@ -132,24 +126,25 @@ private slots:
     {
         auto host = makeHost(0.0);
         QSortFilterProxyModel *traps = host->trapList()->getModel();
-        host->chbTrapFreeze->setChecked(true);
+        QObject *freeze = host->findChild<QObject *>(QStringLiteral("chbTrapFreeze"));
+        freeze->setProperty("checked", true);
         const int shown = traps->rowCount();
         QTRY_VERIFY_WITH_TIMEOUT(host->heldTrapCount() >= 2, 20000);
-        QCOMPARE(traps->rowCount(), shown);
-        QVERIFY(host->statusText().endsWith(QStringLiteral("| %1 traps held").arg(host->heldTrapCount())));
         QTest::qWait(20);
         const int held = host->heldTrapCount();
+        QVERIFY(host->statusText().endsWith(QStringLiteral("| %1 traps held").arg(held)));
         const QDateTime thawed = QDateTime::currentDateTime();
-        host->chbTrapFreeze->setChecked(false);
+        freeze->setProperty("checked", false);
         QCOMPARE(traps->rowCount(), shown + held);
         for (int row = 0; row < traps->rowCount(); ++row) // held traps keep their arrival time
             QVERIFY(traps->index(row, 0).data().toDateTime() < thawed);
-        host->leTrapFilter->setText(host->trapList()->getModel()->index(0, 1).data().toString() + '$');
-        QCOMPARE(host->lblTrapCount->text(),
+        host->findChild<QObject *>("leTrapFilter")
+            ->setProperty("text", traps->index(0, 1).data().toString() + '$');
+        QCOMPARE(host->findChild<QObject *>("lblTrapCount")->property("text").toString(),
             QStringLiteral("%1 of %2 traps").arg(traps->rowCount()).arg(shown + held));
         for (auto button : {QMessageBox::No, QMessageBox::Yes}) {
             ModalAnswer answer(as<QMessageBox>([button](QMessageBox *box) { box->button(button)->click(); }));
-            host->findChild<QPushButton *>(QStringLiteral("pbtTrapClear"))->click();
+            QMetaObject::invokeMethod(host->findChild<QObject *>("pbtTrapClear"), "click");
             QCOMPARE(traps->rowCount() == 0, button == QMessageBox::Yes);
         }
     }
