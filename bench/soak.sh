@@ -13,6 +13,7 @@
 #   --csv FILE     where the samples go (default soak-<units>u-<date>.csv in
 #                  the current folder)
 #   --host PROGRAM the demo host (default build/examples/bin/demohost)
+#   --summary CSV  only print the summary of an earlier run's samples
 #   after --        passed to the host as they stand, e.g. -- --simulated
 #
 # By default the host starts the real demoagent beside it. Every sample holds
@@ -26,6 +27,7 @@ seconds=3600
 interval=30
 warmup=300
 csv=
+summary=
 host="$root/build/examples/bin/demohost"
 extra=()
 
@@ -37,6 +39,7 @@ while [ $# -gt 0 ]; do
     --warmup) warmup=$2; shift 2 ;;
     --csv) csv=$2; shift 2 ;;
     --host) host=$2; shift 2 ;;
+    --summary) summary=$2; shift 2 ;;
     --) shift; extra=("$@"); break ;;
     -h | --help) sed -n '2,21p' "$0" | sed 's/^# \{0,1\}//'; exit 0 ;;
     *) echo "soak.sh: unknown option $1 (see --help)" >&2; exit 2 ;;
@@ -46,15 +49,61 @@ for n in "$units" "$seconds" "$interval" "$warmup"; do
     [[ "$n" =~ ^[0-9]+$ ]] || { echo "soak.sh: $n is not a whole number" >&2; exit 2; }
 done
 [ "$interval" -ge 1 ] || { echo "soak.sh: --interval must be at least 1" >&2; exit 2; }
-[ -x "$host" ] || { echo "soak.sh: no demo host at $host (build the target demohost)" >&2; exit 2; }
+[ -n "$summary" ] || [ -x "$host" ] || { echo "soak.sh: no demo host at $host (build the target demohost)" >&2; exit 2; }
 [ -n "$csv" ] || csv="soak-${units}u-$(date +%Y%m%d-%H%M%S).csv"
+
+# First, last and highest figures of a CSV, and the growth after the warm-up as
+# the least-squares slope of each figure over time (MB a minute).
+summarise() {
+    awk -F, -v warmup="$warmup" '
+    NR == 1 { next }
+    {
+        t[++n] = $1
+        for (c = 2; c <= 5; c++) v[n, c] = $c
+    }
+    END {
+        if (n == 0) { print "No samples."; exit 1 }
+        split("host RSS,host HWM,agent RSS,agent HWM", name, ",")
+        for (c = 2; c <= 5; c++) {
+            # The agent starts a moment after the host: its first samples may be empty.
+            first = 0; last = 0; max = 0
+            for (i = 1; i <= n; i++) {
+                if (v[i, c] == "") continue
+                if (!first) first = i
+                last = i
+                if (v[i, c] + 0 > max) max = v[i, c] + 0
+            }
+            if (!first) continue
+            printf "%-9s first %8.1f MB  last %8.1f MB  max %8.1f MB", name[c - 1], v[first, c] / 1024, v[last, c] / 1024, max / 1024
+            k = 0; st = 0; sv = 0; stt = 0; stv = 0
+            for (i = 1; i <= n; i++) {
+                if (t[i] < warmup || v[i, c] == "") continue
+                m = t[i] / 60; x = v[i, c] / 1024
+                k++; st += m; sv += x; stt += m * m; stv += m * x
+            }
+            if (k >= 2 && k * stt - st * st > 0)
+                printf "  growth after %d s %+.3f MB/min (%d samples)", warmup, (k * stv - st * sv) / (k * stt - st * st), k
+            else
+                printf "  growth: too few samples after %d s", warmup
+            printf "\n"
+        }
+    }' "$1"
+}
+
+if [ -n "$summary" ]; then
+    summarise "$summary"
+    exit $?
+fi
 
 work=$(mktemp -d)
 host_pid=
 agent_pid=
 # Only the processes this script started, by their ids.
 stop() {
-    [ -n "$agent_pid" ] && kill "$agent_pid" 2>/dev/null || true
+    # The host stops its agent when it ends well; one left behind is stopped here.
+    if [ -n "$agent_pid" ] && [ "$(cat "/proc/$agent_pid/comm" 2>/dev/null)" = demoagent ]; then
+        kill "$agent_pid" 2>/dev/null || true
+    fi
     [ -n "$host_pid" ] && kill "$host_pid" 2>/dev/null || true
     rm -rf "$work"
 }
@@ -97,33 +146,5 @@ host_pid=
 echo "Host finished with status $status:"
 sed 's/^/  /' "$work/host.out"
 
-# First, last and highest figures, and the growth after the warm-up as the
-# least-squares slope of RSS over time (MB a minute).
-awk -F, -v warmup="$warmup" '
-NR == 1 { next }
-{
-    t[++n] = $1
-    for (c = 2; c <= 5; c++) v[n, c] = $c
-}
-END {
-    if (n == 0) { print "No samples."; exit 1 }
-    split("host RSS,host HWM,agent RSS,agent HWM", name, ",")
-    for (c = 2; c <= 5; c++) {
-        if (v[1, c] == "") continue
-        max = 0
-        for (i = 1; i <= n; i++) if (v[i, c] + 0 > max) max = v[i, c] + 0
-        printf "%-9s first %8.1f MB  last %8.1f MB  max %8.1f MB", name[c - 1], v[1, c] / 1024, v[n, c] / 1024, max / 1024
-        k = 0; st = 0; sv = 0; stt = 0; stv = 0
-        for (i = 1; i <= n; i++) {
-            if (t[i] < warmup || v[i, c] == "") continue
-            m = t[i] / 60; x = v[i, c] / 1024
-            k++; st += m; sv += x; stt += m * m; stv += m * x
-        }
-        if (k >= 2 && k * stt - st * st > 0)
-            printf "  growth after %d s %+.3f MB/min (%d samples)", warmup, (k * stv - st * sv) / (k * stt - st * st), k
-        else
-            printf "  growth: too few samples after %d s", warmup
-        printf "\n"
-    }
-}' "$csv"
+summarise "$csv"
 exit "$status"
