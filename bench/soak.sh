@@ -126,7 +126,7 @@ echo "Soak: $units units for $seconds s, a sample every $interval s into $csv"
 next=0
 while kill -0 "$host_pid" 2>/dev/null; do
     now=$(($(date +%s) - start))
-    # At the end of its run the host opens a window for its screenshots: not part of the soak.
+    # At the end of its run the host opens a window for its screenshots, which is no growth.
     if [ "$now" -ge "$next" ] && [ "$now" -lt "$seconds" ]; then
         [ -n "$agent_pid" ] && [ -d "/proc/$agent_pid" ] || agent_pid=$(pgrep -P "$host_pid" -x demoagent | head -n 1 || true)
         rss=$(field "$host_pid" VmRSS)
