@@ -98,8 +98,21 @@ QString readFirstLine(const QString &path, const QByteArray &prefix = QByteArray
     return QString();
 }
 
+// The soak section is measured by bench/soak.sh over an hour, not by this
+// program: a rewrite of the file keeps it as it stands.
+QString soakSection(const QString &path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Text))
+        return QString();
+    const QString text = QString::fromUtf8(file.readAll());
+    const int start = text.indexOf(QLatin1String("\n## Soak"));
+    return start < 0 ? QString() : text.mid(start);
+}
+
 bool writeResults(const QString &path, const CollectingReporter &reporter, const QString &loadBefore)
 {
+    const QString soak = soakSection(path);
     QFile file(path);
     if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate | QIODevice::Text))
         return false;
@@ -211,6 +224,7 @@ bool writeResults(const QString &path, const CollectingReporter &reporter, const
             out << formatSeconds(m.fastest()) << " | " << formatSeconds(m.median()) << " | "
                 << m.seconds.size() << " |\n";
     }
+    out << soak;
     out.flush();
     const QByteArray bytes = text.toUtf8();
     return file.write(bytes) == bytes.size();

@@ -5,6 +5,7 @@
 #include "serialtransport.h"
 #include "simulatedunit.h"
 #include "snmptransport.h"
+#include "trapwords.h"
 #include "unitwindow.h"
 
 #include <device/map.h>
@@ -69,6 +70,9 @@ bool fitGrid(const QSizeF &panel, int count, int &columns, QSizeF &cell)
     columns = static_cast<int>(originArea.width() / cell.width()) + 1;
     return false;
 }
+// The trap list's cap and that of the traps held while it is frozen: at 2,000
+// units, an hour of traps would otherwise take gigabytes.
+constexpr int trapRowLimit = 5000;
 
 QString siteName(int site)
 {
@@ -252,6 +256,7 @@ QWidget *HostWindow::buildTrapPanel()
     // The trap list: the library's model behind a proxy that the view shows.
     tvwTraps = new QTableView;
     tvwTraps->setObjectName(QStringLiteral("tvwTraps"));
+    traps->setMaximumRows(trapRowLimit);
     QSortFilterProxyModel *proxy = traps->getModel();
     // The library filters the first column; people look for a unit or an event.
     proxy->setFilterKeyColumn(-1);
@@ -284,16 +289,26 @@ QWidget *HostWindow::buildTrapPanel()
     chbTrapColors->setChecked(true);
     chbTrapFreeze = new QCheckBox(tr("Freeze list"));
     chbTrapFreeze->setObjectName(QStringLiteral("chbTrapFreeze"));
-    chbTrapFreeze->setToolTip(tr("While frozen, new traps are not added"));
-    connect(chbTrapFreeze, &QCheckBox::toggled, traps, &TrapVisual::trapsOverlap);
+    chbTrapFreeze->setToolTip(tr("While frozen, new traps are held and added when the list is unfrozen"));
+    connect(chbTrapFreeze, &QCheckBox::toggled, this, &HostWindow::onTrapFreeze);
     auto *pbtClear = new QPushButton(tr("Clear"));
-    connect(pbtClear, &QPushButton::clicked, traps, &TrapVisual::clear);
+    pbtClear->setObjectName(QStringLiteral("pbtTrapClear"));
+    connect(pbtClear, &QPushButton::clicked, this, &HostWindow::confirmClearTraps);
+    lblTrapCount = new QLabel;
+    lblTrapCount->setObjectName(QStringLiteral("lblTrapCount"));
+    for (auto signal : {&QAbstractItemModel::rowsInserted, &QAbstractItemModel::rowsRemoved})
+        connect(proxy, signal, this, &HostWindow::updateTrapCount);
+    connect(proxy, &QAbstractItemModel::modelReset, this, &HostWindow::updateTrapCount);
+    connect(proxy, &QAbstractItemModel::layoutChanged, this, &HostWindow::updateTrapCount);
+    connect(leTrapFilter, &QLineEdit::textChanged, this, &HostWindow::updateTrapCount);
+    updateTrapCount();
     auto *pbtPrint = new QPushButton(tr("Print..."));
     connect(pbtPrint, &QPushButton::clicked, this, &HostWindow::printTraps);
 
     auto *trapBar = new QHBoxLayout;
     trapBar->addWidget(new QLabel(tr("Traps")));
     trapBar->addWidget(leTrapFilter, 1);
+    trapBar->addWidget(lblTrapCount);
     trapBar->addWidget(chbTrapColors);
     trapBar->addWidget(chbTrapFreeze);
     trapBar->addWidget(pbtClear);
@@ -684,13 +699,61 @@ void HostWindow::onTrap(unsigned short key, int alarm, const QHash<QString, QVar
     trap.identifier = key;
     trap.deviceName = device->getParameter(DeviceDescriptor::DP_NAME).toString();
     trap.alarm = static_cast<quint8>(alarm);
-    trap.variables = variables;
-    trap.prefix = address;
-    traps->setTrap(trap);
+    // In words, so that the Information column reads "Mux 4:Event:loss of signal; ...".
+    trap.variables = TrapWords::describe(variables, alarm);
+    trap.prefix = trap.deviceName;
+    if (traps->isTrapsOverlap()) {
+        // A frozen list ignores traps; the host keeps them until it thaws.
+        held.append(qMakePair(trap, QDateTime::currentDateTime()));
+        if (held.size() > trapRowLimit)
+            held.removeFirst();
+    } else {
+        traps->setTrap(trap);
+    }
     ++trapCount;
     // The trap carries the unit's new level: show it now rather than at the next poll.
     map->setAlarm(address, static_cast<Core::AlarmType>(alarm));
     updateStatusLine();
+}
+
+void HostWindow::onTrapFreeze(bool frozen)
+{
+    traps->trapsOverlap(frozen);
+    if (!frozen) {
+        // The list stamps a trap when it is handed in; a held one keeps the time it arrived.
+        auto *rows = qobject_cast<QStandardItemModel *>(traps->getModel()->sourceModel());
+        for (const auto &trap : qAsConst(held)) {
+            traps->setTrap(trap.first);
+            QStandardItem *time = rows ? rows->item(rows->rowCount() - 1, 0) : nullptr;
+            if (time) {
+                time->setData(trap.second, TrapVisual::IdentifierRole);
+                time->setData(trap.second, Qt::DisplayRole);
+            }
+        }
+        held.clear();
+    }
+    updateStatusLine();
+}
+
+void HostWindow::confirmClearTraps()
+{
+    const int count = traps->getModel()->sourceModel()->rowCount() + held.size();
+    if (QMessageBox::question(this, tr("Clear traps"),
+            tr("Remove all %1 traps from the list, including those held while it is frozen?").arg(count),
+            QMessageBox::Yes | QMessageBox::No, QMessageBox::No)
+        != QMessageBox::Yes)
+        return;
+    traps->clear();
+    held.clear();
+    updateStatusLine();
+}
+
+void HostWindow::updateTrapCount()
+{
+    const int shown = traps->getModel()->rowCount();
+    const int all = traps->getModel()->sourceModel()->rowCount();
+    lblTrapCount->setText(
+        traps->getFilter().isEmpty() ? tr("%1 traps").arg(all) : tr("%1 of %2 traps").arg(shown).arg(all));
 }
 
 void HostWindow::onDeviceContextMenu(const QPointF &scenePos, unsigned short key)
@@ -847,14 +910,16 @@ QString HostWindow::statusText() const
     int polled = 0;
     for (int n : polls)
         polled += n;
-    return tr("%1 units | scan pass %2 | %3 polls | %4 replies lost | %5 in alarm | %6 traps")
-        .arg(keys.size())
-        .arg(passes)
-        .arg(polled)
-        .arg((simulatedNetwork ? simulatedNetwork->errorCount() : 0)
-            + (serialLines ? serialLines->errorCount() : 0) + (snmpUnits ? snmpUnits->errorCount() : 0))
-        .arg(inAlarm)
-        .arg(trapCount);
+    const QString text
+        = tr("%1 units | scan pass %2 | %3 polls | %4 replies lost | %5 in alarm | %6 traps")
+              .arg(keys.size())
+              .arg(passes)
+              .arg(polled)
+              .arg((simulatedNetwork ? simulatedNetwork->errorCount() : 0)
+                  + (serialLines ? serialLines->errorCount() : 0) + (snmpUnits ? snmpUnits->errorCount() : 0))
+              .arg(inAlarm)
+              .arg(trapCount);
+    return traps->isTrapsOverlap() ? text + tr(" | %1 traps held").arg(held.size()) : text;
 }
 
 void HostWindow::updateStatusLine()

@@ -7,9 +7,12 @@
 
 #include <core/core.h>
 #include <snmp/snmptarget.h>
+#include <ui/trapvisual.h>
 
+#include <QDateTime>
 #include <QElapsedTimer>
 #include <QHash>
+#include <QList>
 #include <QMainWindow>
 #include <QPersistentModelIndex>
 #include <QSet>
@@ -30,7 +33,6 @@ class QTimer;
 class QTreeView;
 class SerialTransport;
 class SnmpTransport;
-class TrapVisual;
 
 // The host application's main window: the device tree, the topology, the
 // trap list and a status line, wired to one Map, one DeviceScene and the
@@ -93,6 +95,7 @@ private:
     int pollCount(unsigned short key) const { return polls.value(key); }
     int passCount() const { return passes; }
     int blinkCount() const { return blinks; }
+    int heldTrapCount() const { return held.size(); }
 
     void buildUi();
     QWidget *buildTrapPanel();
@@ -118,6 +121,9 @@ private:
     void refreshAlarms();
     void pushAlarms();
     void onTrap(unsigned short key, int alarm, const QHash<QString, QVariant> &variables);
+    void onTrapFreeze(bool frozen);
+    void confirmClearTraps();
+    void updateTrapCount();
     void onDeviceContextMenu(const QPointF &scenePos, unsigned short key);
     void onLinkContextMenu(const QPointF &scenePos, unsigned short from, unsigned short to);
     void onTreeActivated(const QModelIndex &index);
@@ -146,12 +152,15 @@ private:
     QLineEdit *leTrapFilter;
     QCheckBox *chbTrapColors;
     QCheckBox *chbTrapFreeze;
+    QLabel *lblTrapCount;
     QLabel *lblStatus;
     QLabel *lblNotice;
     QLineEdit *leFind = nullptr;
     QActionGroup *highlightGroup = nullptr;
 
     QList<unsigned short> keys;
+    // Traps that arrived while the list was frozen, with their arrival time.
+    QList<QPair<TrapVisualUnit, QDateTime>> held;
     QHash<unsigned short, int> polls;
     QList<unsigned short> groupHighlighted;
     QElapsedTimer passClock;

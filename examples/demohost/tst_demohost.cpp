@@ -7,6 +7,7 @@
 #include "demounit.h"
 #include "hostwindow.h"
 #include "simulatedunit.h"
+#include "trapwords.h"
 #include "unitwindow.h"
 
 #include <device/map.h>
@@ -19,6 +20,7 @@
 #include <topology/linkarrow.h>
 #include <ui/trapvisual.h>
 
+#include <QAbstractButton>
 #include <QAction>
 #include <QCheckBox>
 #include <QFile>
@@ -128,6 +130,57 @@ private slots:
                 snmpNames.insert(host->unit(key)->getParameter(DeviceDescriptor::DP_NAME).toString());
         for (int row = 0; row < traps->rowCount(); ++row)
             QVERIFY(snmpNames.contains(traps->index(row, 1).data().toString()));
+    }
+
+    void trapsInWords_data()
+    {
+        using namespace UnitLayout;
+        const QString trap = QStringLiteral("1.3.6.1.6.3.1.1.4.1.0"), port = oidPortStatus() + ".2.";
+        QTest::addColumn<QVariantHash>("variables");
+        QTest::addColumn<QString>("words");
+        QTest::newRow("loss of signal") << QVariantHash {{trap, productArc() + ".0.2"}, {oidAlarmLevel(), 1},
+            {port + '2', PortLos + 1}} << "Event=loss of signal|Port=E1 2|Severity=Major";
+        const QVariantHash restart {{trap, productArc() + ".0.1"}, {"1.3.6.1.2.1.1.3.0", 8640123}};
+        QTest::newRow("restart") << restart << "Event=restarted|Severity=Minor|Up time=1 d 00:00:01";
+        QTest::newRow("unknown kept") << QVariantHash {{trap, "1.9"}, {port + '0', 2}}
+                                      << "1.3.6.1.4.1.32473.7.3.2.2.0=2|Event=1.9|Severity=Minor";
+    }
+    void trapsInWords()
+    {
+        QFETCH(QVariantHash, variables);
+        const QVariantHash words = TrapWords::describe(variables, Core::ALARM_MINOR);
+        QStringList pairs;
+        for (auto it = words.cbegin(); it != words.cend(); ++it)
+            pairs << it.key() + '=' + it.value().toString();
+        pairs.sort();
+        QTEST(pairs.join('|'), "words");
+    }
+
+    void frozenTrapsAreHeldAndClearAsks()
+    {
+        auto host = makeHost(0.0);
+        QSortFilterProxyModel *traps = host->trapList()->getModel();
+        QObject *freeze = host->findChild<QObject *>(QStringLiteral("chbTrapFreeze"));
+        freeze->setProperty("checked", true);
+        const int shown = traps->rowCount();
+        QTRY_VERIFY_WITH_TIMEOUT(host->heldTrapCount() >= 2, 20000);
+        QTest::qWait(20);
+        const int held = host->heldTrapCount();
+        QVERIFY(host->statusText().endsWith(QStringLiteral("| %1 traps held").arg(held)));
+        const QDateTime thawed = QDateTime::currentDateTime();
+        freeze->setProperty("checked", false);
+        QCOMPARE(traps->rowCount(), shown + held);
+        for (int row = 0; row < traps->rowCount(); ++row) // held traps keep their arrival time
+            QVERIFY(traps->index(row, 0).data().toDateTime() < thawed);
+        host->findChild<QObject *>("leTrapFilter")
+            ->setProperty("text", traps->index(0, 1).data().toString() + '$');
+        QCOMPARE(host->findChild<QObject *>("lblTrapCount")->property("text").toString(),
+            QStringLiteral("%1 of %2 traps").arg(traps->rowCount()).arg(shown + held));
+        for (auto button : {QMessageBox::No, QMessageBox::Yes}) {
+            ModalAnswer answer(as<QMessageBox>([button](QMessageBox *box) { box->button(button)->click(); }));
+            QMetaObject::invokeMethod(host->findChild<QObject *>("pbtTrapClear"), "click");
+            QCOMPARE(traps->rowCount() == 0, button == QMessageBox::Yes);
+        }
     }
 
     void settingsFileMovesBetweenUnits()

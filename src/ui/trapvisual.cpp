@@ -89,11 +89,17 @@ bool TrapVisual::isTrapsOverlap()
     return overlap;
 }
 
+int TrapVisual::maximumRows() const
+{
+    return maxRows;
+}
+
 void TrapVisual::setTrap(TrapVisualUnit unit)
 {
     if (overlap)
         return;
     model->appendRow(makeTrapRow(unit));
+    dropOldestRows();
 }
 
 void TrapVisual::clear()
@@ -116,4 +122,18 @@ void TrapVisual::showColors(bool show)
 void TrapVisual::trapsOverlap(bool overlap)
 {
     this->overlap = overlap;
+}
+
+void TrapVisual::setMaximumRows(int count)
+{
+    maxRows = qMax(0, count);
+    dropOldestRows();
+}
+
+void TrapVisual::dropOldestRows()
+{
+    // Rows are appended at the bottom of the source model, so the oldest are on top.
+    const int surplus = maxRows > 0 ? model->rowCount() - maxRows : 0;
+    if (surplus > 0)
+        model->removeRows(0, surplus);
 }

@@ -66,9 +66,12 @@ public:
     bool isColorsShown();
     /// Whether the list is frozen.
     bool isTrapsOverlap();
+    /// The most rows the list keeps; 0, the default, means no limit.
+    int maximumRows() const;
 
 public slots:
-    /// Appends the trap at the bottom, unless the list is frozen.
+    /// Appends the trap at the bottom, unless the list is frozen. With a maximum row count set, the oldest
+    /// rows make room for it.
     void setTrap(TrapVisualUnit unit);
     /// Removes every row; the headers stay.
     void clear();
@@ -78,10 +81,19 @@ public slots:
     void showColors(bool show);
     /// While on, the list is frozen: new traps are dropped.
     void trapsOverlap(bool overlap);
+    /**
+     * Keeps at most \a count rows: once the list is full, each new trap drops the oldest row (the earliest
+     * appended, whatever the view's sort order). Lowering the limit drops the surplus oldest rows at once.
+     * 0 or less means no limit, the default, so a long-running host opts in to bounded memory.
+     */
+    void setMaximumRows(int count);
 
 private:
+    void dropOldestRows();
+
     bool overlap = false;
     bool colors = false;
+    int maxRows = 0;
     QString filter;
     QStandardItemModel *model;
     QSortFilterProxyModel *proxy;

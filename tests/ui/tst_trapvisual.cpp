@@ -57,11 +57,19 @@ private slots:
         list.trapsOverlap(false);
         list.setTrap(trap(3, QStringLiteral("beta")));
         QCOMPARE(device(model, 2), "beta fedcba9876543210 3");
+        // A lowered cap drops the oldest rows at once and a full list the oldest per trap, whatever the
+        // view's order.
+        model->sort(1, Qt::DescendingOrder);
+        list.setMaximumRows(2);
+        QCOMPARE(device(model, 1), "beta fedcba9876543210 3");
+        list.setTrap(trap(0, QStringLiteral("alpha")));
+        QCOMPARE(
+            device(model, 0) + '|' + device(model, 1), "beta fedcba9876543210 3|alpha fedcba9876543210 0");
         // Only the Time column is searched, not the device or information texts.
         list.setFilter(QStringLiteral("QX20"));
         QCOMPARE(model->rowCount(), 0);
         list.setFilter(shown.toString(QStringLiteral("yyyy")));
-        QCOMPARE(model->rowCount(), 3);
+        QCOMPARE(model->rowCount(), 2);
         list.clear();
         QCOMPARE(model->rowCount(), 0);
         QStringList headers;
