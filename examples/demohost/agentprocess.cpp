@@ -18,14 +18,16 @@ AgentProcess::~AgentProcess()
 bool AgentProcess::start(const QString &program, const QStringList &arguments)
 {
     // A port the system gives out is free now; the ports after it most
-    // likely too. If not, the agent says so and another range is tried.
-    for (int attempt = 0; attempt < 5; ++attempt) {
+    // likely too. If not, the agent says so and another range is tried,
+    // below the system's own range, where only explicit binds (another
+    // agent's block, say) can be in the way.
+    for (int attempt = 0; attempt < 10; ++attempt) {
         QUdpSocket probe;
         probe.bind(QHostAddress(QHostAddress::LocalHost), 0);
         int port = probe.localPort();
         probe.close();
-        if (port <= 0 || port > 60000)
-            port = 20000 + static_cast<int>(QRandomGenerator::global()->bounded(30000));
+        if (attempt > 0 || port <= 0 || port > 60000)
+            port = 10000 + static_cast<int>(QRandomGenerator::global()->bounded(17000));
         if (startOnce(program, arguments, port))
             return true;
     }
