@@ -259,7 +259,9 @@ void DemoUnit::finish(bool ok)
         ++failures;
     }
     if (done.kind == ReadStatus) {
-        if (!ok)
+        if (ok)
+            noteAnswer();
+        else
             ++missedPolls;
         if (ok)
             emit statusRead();
@@ -288,6 +290,26 @@ void DemoUnit::statusPollEnded()
     refreshFrontPanel();
     // Ends this unit's step of the map's scan, also after a failed poll.
     emit statusUpdated();
+}
+
+void DemoUnit::noteAnswer()
+{
+    lastAnswer = QDateTime::currentDateTime();
+    if (stale || (!monitored && serialOpen)) {
+        stale = false;
+        monitored = true;
+        // The map relays this, and the host redraws how the unit is shown.
+        emit alarmStateChanged();
+    }
+}
+
+void DemoUnit::setStale(bool on)
+{
+    if (on == stale)
+        return;
+    stale = on;
+    refreshFrontPanel();
+    emit alarmStateChanged();
 }
 
 void DemoUnit::setAlarmState(Core::AlarmType alarm)
@@ -583,6 +605,13 @@ void DemoUnit::setSerialState(bool state)
     serialOpen = state;
     if (unitWindow && unitWindow->getSerialState() != state)
         unitWindow->serialState(state);
+    // Closed, the unit is not polled and its panel would keep its last look;
+    // reopened, it counts as monitored again once it has answered.
+    if (!state && !isSnmp() && monitored) {
+        monitored = false;
+        refreshFrontPanel();
+        emit alarmStateChanged();
+    }
     // The host's transport opens or closes the line when the map relays this.
     emit serialState();
 }
@@ -853,5 +882,28 @@ QString DemoUnit::getFrontPanel()
             << QStringLiteral("tooltip: %1 (%2)")
                    .arg(panelText(getParameter(DP_NAME).toString()),
                        panelText(getParameter(DP_ADDRESS).toString()));
+    entries << monitoringEntries();
     return entries.join(QLatin1Char(';'));
+}
+
+QString DemoUnit::monitoringEntries()
+{
+    // A mark in the top right corner, and a tooltip that replaces the one
+    // above with when the unit last answered.
+    QString mark;
+    QString note;
+    const QString heard = lastAnswer.isValid() ? lastAnswer.toString(QStringLiteral("HH:mm:ss")) : QString();
+    if (!monitored) {
+        mark = QStringLiteral("10x0(background): 255,140,0,1;10x0(text): X");
+        note = tr("serial line closed, not monitored");
+    } else if (stale) {
+        mark = QStringLiteral("10x0(background): 150,150,150,1;10x0(text): ?");
+        note = heard.isEmpty() ? tr("has never answered") : tr("not heard from since %1").arg(heard);
+    } else {
+        note = heard.isEmpty() ? tr("no answer yet") : tr("last answered at %1").arg(heard);
+    }
+    const QString tooltip = QStringLiteral("tooltip: %1 (%2) - %3")
+                                .arg(panelText(getParameter(DP_NAME).toString()),
+                                    panelText(getParameter(DP_ADDRESS).toString()), note);
+    return mark.isEmpty() ? tooltip : mark + QLatin1Char(';') + tooltip;
 }

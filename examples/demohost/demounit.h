@@ -93,6 +93,16 @@ public:
     int requestCount() const { return requests; }
     int failedCount() const { return failures; }
 
+    // When the unit last answered a status read; invalid until it has.
+    QDateTime lastAnswered() const { return lastAnswer; }
+    // Whether the host has not heard from the unit for too long; shown on
+    // the panel and in its tooltip.
+    bool isStale() const { return stale; }
+    void setStale(bool on);
+    // False while the unit's serial line is closed, and after that until it
+    // answers again: what the panel shows may be long out of date.
+    bool isMonitored() const { return monitored; }
+
 public slots:
     void setData(QByteArray data) override;
     void setError() override;
@@ -138,6 +148,8 @@ private:
     void setPortFlag(int port, unsigned char bit, const char *column, bool on);
     void report(const QString &text, bool ok);
     void refreshFrontPanel();
+    void noteAnswer();
+    QString monitoringEntries();
 
     QPointer<UnitWindow> unitWindow;
     Tg826 *counters = nullptr;
@@ -150,6 +162,9 @@ private:
     int requests = 0;
     int failures = 0;
     QString lastFrontPanel;
+    QDateTime lastAnswer;
+    bool stale = false;
+    bool monitored = true;
 };
 
 #endif // DEMOUNIT_H

@@ -7,6 +7,7 @@
 #include <core/core.h>
 #include <snmp/snmptarget.h>
 
+#include <QDateTime>
 #include <QElapsedTimer>
 #include <QHash>
 #include <QMainWindow>
@@ -19,6 +20,7 @@ class DemoUnit;
 class DeviceGraphicsView;
 class DeviceScene;
 class Map;
+class QAction;
 class QActionGroup;
 class QCheckBox;
 class QLabel;
@@ -89,6 +91,7 @@ private:
     int pollCount(unsigned short key) const { return polls.value(key); }
     int passCount() const { return passes; }
     int blinkCount() const { return blinks; }
+    qint64 lastPassLength() const { return lastPassMs; }
 
     void buildUi();
     QWidget *buildTrapPanel();
@@ -98,7 +101,14 @@ private:
     bool addUnitsOnWires();
     unsigned short addUnit(int index, Core::InterfaceProtocolType protocol, const QString &address);
     void placeUnits();
+    QWidget *buildTopologyPanel();
+    void connectScan();
+    void setScanning(bool on);
     void startScanPass();
+    void onScanStep();
+    void onScanStalled();
+    void endScanPass();
+    void markStaleUnits();
     void refreshAlarms();
     void pushAlarms();
     void onTrap(unsigned short key, int alarm, const QHash<QString, QVariant> &variables);
@@ -132,11 +142,20 @@ private:
     QCheckBox *chbTrapFreeze;
     QLabel *lblStatus;
     QActionGroup *highlightGroup = nullptr;
+    QAction *actScan = nullptr;
+    QWidget *wgtScanPaused = nullptr;
+    // Fires when a pass has not moved on for far longer than any transport waits.
+    QTimer *stallGuard = nullptr;
 
     QList<unsigned short> keys;
     QHash<unsigned short, int> polls;
     QList<unsigned short> groupHighlighted;
     QElapsedTimer passClock;
+    QDateTime scanSince;
+    qint64 lastPassMs = -1;
+    unsigned short scanKey = 0;
+    int stallChecks = 0;
+    bool passRunning = false;
     int passes = 0;
     int blinks = 0;
     int trapCount = 0;
