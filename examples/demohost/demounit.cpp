@@ -886,24 +886,26 @@ QString DemoUnit::getFrontPanel()
     return entries.join(QLatin1Char(';'));
 }
 
+QString DemoUnit::monitoringNote() const
+{
+    const QString heard = lastAnswer.isValid() ? lastAnswer.toString(QStringLiteral("HH:mm:ss")) : QString();
+    if (!monitored)
+        return tr("serial line closed, not monitored");
+    if (stale)
+        return heard.isEmpty() ? tr("has never answered") : tr("not heard from since %1").arg(heard);
+    return heard.isEmpty() ? tr("no answer yet") : tr("last answered at %1").arg(heard);
+}
+
 QString DemoUnit::monitoringEntries()
 {
     // A mark in the top right corner, and a tooltip that replaces the one
     // above with when the unit last answered.
-    QString mark;
-    QString note;
-    const QString heard = lastAnswer.isValid() ? lastAnswer.toString(QStringLiteral("HH:mm:ss")) : QString();
-    if (!monitored) {
-        mark = QStringLiteral("10x0(background): 255,140,0,1;10x0(text): X");
-        note = tr("serial line closed, not monitored");
-    } else if (stale) {
-        mark = QStringLiteral("10x0(background): 150,150,150,1;10x0(text): ?");
-        note = heard.isEmpty() ? tr("has never answered") : tr("not heard from since %1").arg(heard);
-    } else {
-        note = heard.isEmpty() ? tr("no answer yet") : tr("last answered at %1").arg(heard);
-    }
     const QString tooltip = QStringLiteral("tooltip: %1 (%2) - %3")
                                 .arg(panelText(getParameter(DP_NAME).toString()),
-                                    panelText(getParameter(DP_ADDRESS).toString()), note);
-    return mark.isEmpty() ? tooltip : mark + QLatin1Char(';') + tooltip;
+                                    panelText(getParameter(DP_ADDRESS).toString()), monitoringNote());
+    if (!monitored)
+        return QStringLiteral("10x0(background): 255,140,0,1;10x0(text): X;") + tooltip;
+    if (stale)
+        return QStringLiteral("10x0(background): 150,150,150,1;10x0(text): ?;") + tooltip;
+    return tooltip;
 }

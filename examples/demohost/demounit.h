@@ -102,6 +102,8 @@ public:
     // False while the unit's serial line is closed, and after that until it
     // answers again: what the panel shows may be long out of date.
     bool isMonitored() const { return monitored; }
+    // When the unit last answered, or why its state is not current.
+    QString monitoringNote() const;
 
 public slots:
     void setData(QByteArray data) override;

@@ -518,10 +518,20 @@ void HostWindow::connectScan()
     // take as long as the units need and never overlap.
     scanTimer->setSingleShot(true);
     connect(scanTimer, &QTimer::timeout, this, &HostWindow::startScanPass);
+    statusRefresh = new QTimer(this);
+    statusRefresh->setSingleShot(true);
+    statusRefresh->setInterval(250);
+    connect(statusRefresh, &QTimer::timeout, this, [this] { lblStatus->setText(statusText()); });
     stallGuard = new QTimer(this);
     stallGuard->setSingleShot(true);
     stallGuard->setInterval(stallLimitMs);
     connect(stallGuard, &QTimer::timeout, this, &HostWindow::onScanStalled);
+    // The panel changes with every answer and every change of the marks; the
+    // tree's tooltip follows it.
+    connect(map, &Map::frontpanel, this, [this](unsigned short key) {
+        if (const DemoUnit *device = unit(key))
+            map->getModel()->setData(map->getItemIndex(key), device->monitoringNote(), Qt::ToolTipRole);
+    });
     connect(map, &Map::updateAlarmFinished, this, [this](unsigned short key) {
         scanKey = key;
         stallChecks = 0;
@@ -561,7 +571,7 @@ void HostWindow::onScanStep()
 {
     // Runs after the map's own step for the same statusUpdated(), so a
     // cleared flag here means the map has come to the end of its list.
-    if (!passRunning)
+    if (!map || !passRunning)
         return;
     stallChecks = 0;
     stallGuard->start();
@@ -571,7 +581,7 @@ void HostWindow::onScanStep()
 
 void HostWindow::onScanStalled()
 {
-    if (!passRunning)
+    if (!map || !passRunning)
         return;
     // First report the time-out the transport should have reported, which
     // ends the unit's poll and moves the pass on; if even that does not
@@ -650,8 +660,10 @@ void HostWindow::onTrap(unsigned short key, int alarm, const QHash<QString, QVar
     trap.prefix = address;
     traps->setTrap(trap);
     ++trapCount;
-    // The trap carries the unit's new level: show it now rather than at the next poll.
-    map->setAlarm(address, static_cast<Core::AlarmType>(alarm));
+    // The trap carries the unit's new level: show it now rather than at the
+    // next poll. The transport has found the unit already, so the map need
+    // not look for it by address among thousands.
+    device->setAlarmState(static_cast<Core::AlarmType>(alarm));
     updateStatusLine();
 }
 
@@ -762,7 +774,10 @@ QString HostWindow::statusText() const
 
 void HostWindow::updateStatusLine()
 {
-    lblStatus->setText(statusText());
+    // Counting walks every unit; at thousands of units with hundreds of
+    // traps a second, doing that for each of them would slow the scan.
+    if (statusRefresh && !statusRefresh->isActive())
+        statusRefresh->start();
 }
 
 void HostWindow::closeEvent(QCloseEvent *event)

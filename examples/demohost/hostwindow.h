@@ -146,6 +146,7 @@ private:
     QWidget *wgtScanPaused = nullptr;
     // Fires when a pass has not moved on for far longer than any transport waits.
     QTimer *stallGuard = nullptr;
+    QTimer *statusRefresh = nullptr;
 
     QList<unsigned short> keys;
     QHash<unsigned short, int> polls;

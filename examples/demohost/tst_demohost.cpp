@@ -89,6 +89,8 @@ private slots:
         const auto tip = [&](unsigned short key) { return host->scene()->getDeviceItem(key)->toolTip(); };
         QTRY_VERIFY(host->unit(silent)->isStale() && tip(silent).contains(QLatin1String("never answered")));
         QVERIFY(!host->unit(closed)->isMonitored() && tip(closed).contains(QLatin1String("not monitored")));
+        QCOMPARE(host->deviceMap()->getItemIndex(closed).data(Qt::ToolTipRole).toString(),
+            host->unit(closed)->monitoringNote());
         QVERIFY(
             !host->unit(keys.at(1))->isStale() && tip(keys.at(1)).contains(QLatin1String("last answered")));
         host->deviceMap()->setSerialState(closed, true);
