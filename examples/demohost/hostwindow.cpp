@@ -758,18 +758,22 @@ QString HostWindow::statusText() const
     int polled = 0;
     for (int n : polls)
         polled += n;
-    const QString text
-        = tr("%1 units | scan pass %2 | %3 polls | %4 replies lost | %5 in alarm | %6 traps")
-              .arg(keys.size())
-              .arg(passes)
-              .arg(polled)
-              .arg((simulatedNetwork ? simulatedNetwork->errorCount() : 0)
-                  + (serialLines ? serialLines->errorCount() : 0) + (snmpUnits ? snmpUnits->errorCount() : 0))
-              .arg(inAlarm)
-              .arg(trapCount);
+    return tr("%1 units | scan pass %2 | %3 polls | %4 replies lost | %5 in alarm | %6 traps%7")
+        .arg(keys.size())
+        .arg(passes)
+        .arg(polled)
+        .arg((simulatedNetwork ? simulatedNetwork->errorCount() : 0)
+            + (serialLines ? serialLines->errorCount() : 0) + (snmpUnits ? snmpUnits->errorCount() : 0))
+        .arg(inAlarm)
+        .arg(trapCount)
+        .arg(passText());
+}
+
+QString HostWindow::passText() const
+{
     if (lastPassMs < 0)
-        return text;
-    return text + QStringLiteral(" | ") + tr("last pass %1 s").arg(lastPassMs / 1000.0, 0, 'f', 1);
+        return QString();
+    return QStringLiteral(" | ") + tr("last pass %1 s").arg(lastPassMs / 1000.0, 0, 'f', 1);
 }
 
 void HostWindow::updateStatusLine()

@@ -109,6 +109,8 @@ private:
     void onScanStalled();
     void endScanPass();
     void markStaleUnits();
+    // The length of the last scan pass, for the status line.
+    QString passText() const;
     void refreshAlarms();
     void pushAlarms();
     void onTrap(unsigned short key, int alarm, const QHash<QString, QVariant> &variables);
