@@ -270,7 +270,9 @@ void DemoUnit::finish(bool ok)
         ++failures;
     }
     if (done.kind == ReadStatus) {
-        if (!ok)
+        if (ok)
+            noteAnswer();
+        else
             ++missedPolls;
         if (ok)
             emit statusRead();
@@ -299,6 +301,26 @@ void DemoUnit::statusPollEnded()
     refreshFrontPanel();
     // Ends this unit's step of the map's scan, also after a failed poll.
     emit statusUpdated();
+}
+
+void DemoUnit::noteAnswer()
+{
+    lastAnswer = QDateTime::currentDateTime();
+    if (stale || (!monitored && serialOpen)) {
+        stale = false;
+        monitored = true;
+        // The map relays this, and the host redraws how the unit is shown.
+        emit alarmStateChanged();
+    }
+}
+
+void DemoUnit::setStale(bool on)
+{
+    if (on == stale)
+        return;
+    stale = on;
+    refreshFrontPanel();
+    emit alarmStateChanged();
 }
 
 void DemoUnit::setAlarmState(Core::AlarmType alarm)
@@ -638,6 +660,13 @@ void DemoUnit::setSerialState(bool state)
     serialOpen = state;
     if (unitWindow && unitWindow->getSerialState() != state)
         unitWindow->serialState(state);
+    // Closed, the unit is not polled and its panel would keep its last look;
+    // reopened, it counts as monitored again once it has answered.
+    if (!state && !isSnmp() && monitored) {
+        monitored = false;
+        refreshFrontPanel();
+        emit alarmStateChanged();
+    }
     // The host's transport opens or closes the line when the map relays this.
     emit serialState();
 }
@@ -876,8 +905,9 @@ QString DemoUnit::alarmColour(const QString &silent)
 
 QString DemoUnit::panelTooltip()
 {
-    return QStringLiteral("tooltip: %1 (%2)")
-        .arg(panelText(getParameter(DP_NAME).toString()), panelText(getParameter(DP_ADDRESS).toString()));
+    return QStringLiteral("tooltip: %1 (%2) - %3")
+        .arg(panelText(getParameter(DP_NAME).toString()), panelText(getParameter(DP_ADDRESS).toString()),
+            monitoringNote());
 }
 
 QString DemoUnit::compactFrontPanel()
@@ -886,8 +916,11 @@ QString DemoUnit::compactFrontPanel()
     // two thousand units fit the drawing side by side. The frame still
     // blinks and the tooltip names the unit; the full panel is one setting away.
     const QString number = panelText(getParameter(DP_NAME).toString().section(QLatin1Char(' '), -1));
-    return QStringList {QStringLiteral("dimension: 2x1"),
-        QStringLiteral("0x0(background): %1,2").arg(alarmColour(QStringLiteral("170,170,170"))),
+    // No room for a mark: a unit nobody watches is orange, a stale one grey.
+    const QString strip = !monitored ? QStringLiteral("255,140,0")
+        : stale                      ? QStringLiteral("170,170,170")
+                                     : alarmColour(QStringLiteral("170,170,170"));
+    return QStringList {QStringLiteral("dimension: 2x1"), QStringLiteral("0x0(background): %1,2").arg(strip),
         QStringLiteral("0x0(text): %1,4").arg(number), panelTooltip()}
         .join(QLatin1Char(';'));
 }
@@ -936,6 +969,27 @@ QString DemoUnit::getFrontPanel()
         entries << QStringLiteral("9x1(rj45): %1,%2").arg(ethernetActivity() ? 1 : 0).arg(answered ? 1 : 0);
     else
         entries << QStringLiteral("8x1(db9): 0");
-    entries << QStringLiteral("7x2(progressbar): %1,4").arg(answered ? load() : 0) << panelTooltip();
+    entries << QStringLiteral("7x2(progressbar): %1,4").arg(answered ? load() : 0) << panelTooltip()
+            << monitoringEntries();
     return entries.join(QLatin1Char(';'));
+}
+
+QString DemoUnit::monitoringNote() const
+{
+    const QString heard = lastAnswer.isValid() ? lastAnswer.toString(QStringLiteral("HH:mm:ss")) : QString();
+    if (!monitored)
+        return tr("serial line closed, not monitored");
+    if (stale)
+        return heard.isEmpty() ? tr("has never answered") : tr("not heard from since %1").arg(heard);
+    return heard.isEmpty() ? tr("no answer yet") : tr("last answered at %1").arg(heard);
+}
+
+QString DemoUnit::monitoringEntries()
+{
+    // A mark in the top right corner of the title strip.
+    if (!monitored)
+        return QStringLiteral("10x0(background): 255,140,0,1;10x0(text): X");
+    if (stale)
+        return QStringLiteral("10x0(background): 150,150,150,1;10x0(text): ?");
+    return QString();
 }

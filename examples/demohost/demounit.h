@@ -98,6 +98,18 @@ public:
     int requestCount() const { return requests; }
     int failedCount() const { return failures; }
 
+    // When the unit last answered a status read; invalid until it has.
+    QDateTime lastAnswered() const { return lastAnswer; }
+    // Whether the host has not heard from the unit for too long; shown on
+    // the panel and in its tooltip.
+    bool isStale() const { return stale; }
+    void setStale(bool on);
+    // False while the unit's serial line is closed, and after that until it
+    // answers again: what the panel shows may be long out of date.
+    bool isMonitored() const { return monitored; }
+    // When the unit last answered, or why its state is not current.
+    QString monitoringNote() const;
+
 public slots:
     void setData(QByteArray data) override;
     void setError() override;
@@ -151,6 +163,8 @@ private:
     QString panelTooltip();
     // The alarm lamp's colour; silent for a unit that does not answer.
     QString alarmColour(const QString &silent);
+    void noteAnswer();
+    QString monitoringEntries();
 
     QPointer<UnitWindow> unitWindow;
     Tg826 *counters = nullptr;
@@ -164,6 +178,9 @@ private:
     int failures = 0;
     QString lastFrontPanel;
     bool compact = false;
+    QDateTime lastAnswer;
+    bool stale = false;
+    bool monitored = true;
 };
 
 #endif // DEMOUNIT_H

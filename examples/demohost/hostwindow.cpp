@@ -73,6 +73,11 @@ bool fitGrid(const QSizeF &panel, int count, int &columns, QSizeF &cell)
 // The trap list's cap and that of the traps held while it is frozen: at 2,000
 // units, an hour of traps would otherwise take gigabytes.
 constexpr int trapRowLimit = 5000;
+// The level the topology draws as "not responding".
+const auto alarmNotResponding = static_cast<Core::AlarmType>(4);
+// Serial lines give up after 1 s and SNMP requests after 0.5 s, so a pass
+// that has not moved for this long has lost a reply on the host's side.
+constexpr int stallLimitMs = 30000;
 
 QString siteName(int site)
 {
@@ -150,8 +155,7 @@ HostWindow::HostWindow(const Options &options, QWidget *parent)
     alarmPush->setSingleShot(true);
     connect(alarmPush, &QTimer::timeout, this, &HostWindow::pushAlarms);
 
-    // The map has no timer: repeating the scan is the host's business.
-    connect(scanTimer, &QTimer::timeout, this, &HostWindow::startScanPass);
+    connectScan();
 }
 
 HostWindow::~HostWindow()
@@ -228,7 +232,7 @@ void HostWindow::buildUi()
 
     auto *top = new QSplitter(Qt::Horizontal);
     top->addWidget(trvDevices);
-    top->addWidget(view);
+    top->addWidget(buildTopologyPanel());
     top->setStretchFactor(1, 1);
     top->setSizes({220, 1060});
     auto *main = new QSplitter(Qt::Vertical);
@@ -386,18 +390,12 @@ void HostWindow::buildToolBar()
     bar->addSeparator();
 
     QAction *scan = bar->addAction(QIcon(QStringLiteral(":/images/connect.png")), tr("Scan"));
+    scan->setObjectName(QStringLiteral("actScan"));
     scan->setCheckable(true);
     scan->setChecked(true);
     scan->setToolTip(tr("Poll every unit in turn, again and again"));
-    connect(scan, &QAction::toggled, this, [this](bool on) {
-        if (on) {
-            startScanPass();
-            scanTimer->start(options.scanPeriodMs);
-        } else {
-            scanTimer->stop();
-            map->stopScan();
-        }
-    });
+    connect(scan, &QAction::toggled, this, &HostWindow::setScanning);
+    actScan = scan;
     QAction *save = bar->addAction(QIcon(QStringLiteral(":/images/save.png")), tr("Save layout"));
     connect(save, &QAction::triggered, this, [this] {
         statusBar()->showMessage(saveTopology()
@@ -434,6 +432,8 @@ unsigned short HostWindow::addUnit(int index, Core::InterfaceProtocolType protoc
     // its signals; from here on the unit is known by its key.
     const unsigned short key = map->addItem(site, device, QVector<QString>());
     keys.append(key);
+    // Queued behind the map's own step, so that the end of a pass is seen here.
+    connect(device, &DeviceDescriptor::statusUpdated, this, &HostWindow::onScanStep, Qt::QueuedConnection);
     connect(device, &DeviceDescriptor::newEvent, this, [this](Core::SystemEvens event, const QString &text) {
         statusBar()->showMessage(
             tr("%1: %2").arg(Core::getEventDisplayDictionary().value(event), text), 5000);
@@ -653,19 +653,139 @@ bool HostWindow::saveTopology()
     return store.save();
 }
 
+QWidget *HostWindow::buildTopologyPanel()
+{
+    // Paused, the drawing shows old states; nobody should take them for live ones.
+    wgtScanPaused = new QWidget;
+    wgtScanPaused->setObjectName(QStringLiteral("wgtScanPaused"));
+    wgtScanPaused->setAutoFillBackground(true);
+    QPalette warning = wgtScanPaused->palette();
+    warning.setColor(QPalette::Window, QColor(255, 214, 102));
+    warning.setColor(QPalette::WindowText, Qt::black);
+    wgtScanPaused->setPalette(warning);
+    auto *pbtResume = new QPushButton(tr("Resume scanning"));
+    pbtResume->setObjectName(QStringLiteral("pbtResumeScan"));
+    connect(pbtResume, &QPushButton::clicked, this, [this] { actScan->setChecked(true); });
+    auto *bannerLayout = new QHBoxLayout(wgtScanPaused);
+    bannerLayout->addWidget(new QLabel(tr("Scanning is paused: unit states are not being updated.")), 1);
+    bannerLayout->addWidget(pbtResume);
+    wgtScanPaused->hide();
+
+    auto *panel = new QWidget;
+    auto *layout = new QVBoxLayout(panel);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->addWidget(wgtScanPaused);
+    layout->addWidget(view, 1);
+    return panel;
+}
+
+void HostWindow::connectScan()
+{
+    // The map has no timer: repeating the scan is the host's business. The
+    // next pass starts a scan period after the last one ended, so passes
+    // take as long as the units need and never overlap.
+    scanTimer->setSingleShot(true);
+    connect(scanTimer, &QTimer::timeout, this, &HostWindow::startScanPass);
+    statusRefresh = new QTimer(this);
+    statusRefresh->setSingleShot(true);
+    statusRefresh->setInterval(250);
+    connect(statusRefresh, &QTimer::timeout, this, [this] { lblStatus->setText(statusText()); });
+    stallGuard = new QTimer(this);
+    stallGuard->setSingleShot(true);
+    stallGuard->setInterval(stallLimitMs);
+    connect(stallGuard, &QTimer::timeout, this, &HostWindow::onScanStalled);
+    // The panel changes with every answer and every change of the marks; the
+    // tree's tooltip follows it.
+    connect(map, &Map::frontpanel, this, [this](unsigned short key) {
+        if (const DemoUnit *device = unit(key))
+            map->getModel()->setData(map->getItemIndex(key), device->monitoringNote(), Qt::ToolTipRole);
+    });
+    connect(map, &Map::updateAlarmFinished, this, [this](unsigned short key) {
+        scanKey = key;
+        stallChecks = 0;
+        stallGuard->start();
+    });
+}
+
+void HostWindow::setScanning(bool on)
+{
+    wgtScanPaused->setVisible(!on);
+    if (on) {
+        startScanPass();
+        return;
+    }
+    scanTimer->stop();
+    stallGuard->stop();
+    passRunning = false;
+    map->stopScan();
+}
+
 void HostWindow::startScanPass()
 {
-    if (map->scanInproccess()) {
-        // A unit that never reports back would hold the pass for ever; the
-        // map has no time-out, so the host gives up on the pass and begins anew.
-        if (!passClock.isValid() || passClock.elapsed() < 20 * options.scanPeriodMs)
-            return;
-        map->stopScan();
-    }
+    if (passRunning || map->scanInproccess() || (actScan && !actScan->isChecked()))
+        return;
+    if (!scanSince.isValid())
+        scanSince = QDateTime::currentDateTime();
     passClock.start();
     ++passes;
+    passRunning = true;
     map->startScan();
+    if (!map->scanInproccess())
+        endScanPass(); // nothing to poll
     updateStatusLine();
+}
+
+void HostWindow::onScanStep()
+{
+    // Runs after the map's own step for the same statusUpdated(), so a
+    // cleared flag here means the map has come to the end of its list.
+    if (!map || !passRunning)
+        return;
+    stallChecks = 0;
+    stallGuard->start();
+    if (!map->scanInproccess())
+        endScanPass();
+}
+
+void HostWindow::onScanStalled()
+{
+    if (!map || !passRunning)
+        return;
+    // First report the time-out the transport should have reported, which
+    // ends the unit's poll and moves the pass on; if even that does not
+    // help, close the pass so that the next one can begin.
+    if (map->scanInproccess() && stallChecks++ == 0) {
+        map->replyError(scanKey);
+        stallGuard->start();
+        return;
+    }
+    map->stopScan();
+    endScanPass();
+}
+
+void HostWindow::endScanPass()
+{
+    passRunning = false;
+    stallGuard->stop();
+    lastPassMs = passClock.elapsed();
+    markStaleUnits();
+    scanTimer->start(options.scanPeriodMs);
+    updateStatusLine();
+}
+
+void HostWindow::markStaleUnits()
+{
+    // Each unit is polled once a cycle, a pass and the pause after it; one
+    // not heard from for two cycles is drawn as stale.
+    const qint64 limit = 2 * (lastPassMs + options.scanPeriodMs);
+    const QDateTime now = QDateTime::currentDateTime();
+    for (unsigned short key : qAsConst(keys)) {
+        if (DemoUnit *device = unit(key)) {
+            const QDateTime heard = device->lastAnswered().isValid() ? device->lastAnswered() : scanSince;
+            device->setStale(heard.msecsTo(now) > limit);
+        }
+    }
 }
 
 void HostWindow::refreshAlarms()
@@ -685,6 +805,12 @@ void HostWindow::pushAlarms()
         return;
     lastAlarmPush.start();
     QHash<unsigned short, Core::AlarmType> alarms = map->getAlarmMap();
+    // Units whose state the host cannot vouch for look like silent ones.
+    for (auto it = alarms.begin(); it != alarms.end(); ++it) {
+        const DemoUnit *device = unit(it.key());
+        if (device && (device->isStale() || !device->isMonitored()))
+            it.value() = alarmNotResponding;
+    }
     topology->setAlarmMap(alarms);
     updateStatusLine();
 }
@@ -711,8 +837,10 @@ void HostWindow::onTrap(unsigned short key, int alarm, const QHash<QString, QVar
         traps->setTrap(trap);
     }
     ++trapCount;
-    // The trap carries the unit's new level: show it now rather than at the next poll.
-    map->setAlarm(address, static_cast<Core::AlarmType>(alarm));
+    // The trap carries the unit's new level: show it now rather than at the
+    // next poll. The transport has found the unit already, so the map need
+    // not look for it by address among thousands.
+    device->setAlarmState(static_cast<Core::AlarmType>(alarm));
     updateStatusLine();
 }
 
@@ -911,20 +1039,31 @@ QString HostWindow::statusText() const
     for (int n : polls)
         polled += n;
     const QString text
-        = tr("%1 units | scan pass %2 | %3 polls | %4 replies lost | %5 in alarm | %6 traps")
+        = tr("%1 units | scan pass %2 | %3 polls | %4 replies lost | %5 in alarm | %6 traps%7")
               .arg(keys.size())
               .arg(passes)
               .arg(polled)
               .arg((simulatedNetwork ? simulatedNetwork->errorCount() : 0)
                   + (serialLines ? serialLines->errorCount() : 0) + (snmpUnits ? snmpUnits->errorCount() : 0))
               .arg(inAlarm)
-              .arg(trapCount);
+              .arg(trapCount)
+              .arg(passText());
     return traps->isTrapsOverlap() ? text + tr(" | %1 traps held").arg(held.size()) : text;
+}
+
+QString HostWindow::passText() const
+{
+    if (lastPassMs < 0)
+        return QString();
+    return QStringLiteral(" | ") + tr("last pass %1 s").arg(lastPassMs / 1000.0, 0, 'f', 1);
 }
 
 void HostWindow::updateStatusLine()
 {
-    lblStatus->setText(statusText());
+    // Counting walks every unit; at thousands of units with hundreds of
+    // traps a second, doing that for each of them would slow the scan.
+    if (statusRefresh && !statusRefresh->isActive())
+        statusRefresh->start();
 }
 
 void HostWindow::closeEvent(QCloseEvent *event)

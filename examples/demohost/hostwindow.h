@@ -23,6 +23,7 @@ class AgentProcess;
 class DemoUnit;
 class DeviceGraphicsView;
 class Map;
+class QAction;
 class QActionGroup;
 class QCheckBox;
 class QLabel;
@@ -96,6 +97,7 @@ private:
     int passCount() const { return passes; }
     int blinkCount() const { return blinks; }
     int heldTrapCount() const { return held.size(); }
+    qint64 lastPassLength() const { return lastPassMs; }
 
     void buildUi();
     QWidget *buildTrapPanel();
@@ -117,7 +119,16 @@ private:
     void onSceneSelectionChanged();
     void findUnit();
     void removeLink(unsigned short from, unsigned short to);
+    QWidget *buildTopologyPanel();
+    void connectScan();
+    void setScanning(bool on);
     void startScanPass();
+    void onScanStep();
+    void onScanStalled();
+    void endScanPass();
+    void markStaleUnits();
+    // The length of the last scan pass, for the status line.
+    QString passText() const;
     void refreshAlarms();
     void pushAlarms();
     void onTrap(unsigned short key, int alarm, const QHash<QString, QVariant> &variables);
@@ -157,6 +168,11 @@ private:
     QLabel *lblNotice;
     QLineEdit *leFind = nullptr;
     QActionGroup *highlightGroup = nullptr;
+    QAction *actScan = nullptr;
+    QWidget *wgtScanPaused = nullptr;
+    // Fires when a pass has not moved on for far longer than any transport waits.
+    QTimer *stallGuard = nullptr;
+    QTimer *statusRefresh = nullptr;
 
     QList<unsigned short> keys;
     // Traps that arrived while the list was frozen, with their arrival time.
@@ -164,6 +180,11 @@ private:
     QHash<unsigned short, int> polls;
     QList<unsigned short> groupHighlighted;
     QElapsedTimer passClock;
+    QDateTime scanSince;
+    qint64 lastPassMs = -1;
+    unsigned short scanKey = 0;
+    int stallChecks = 0;
+    bool passRunning = false;
     int passes = 0;
     int blinks = 0;
     int trapCount = 0;

@@ -25,6 +25,7 @@
 #include <QCheckBox>
 #include <QFile>
 #include <QGraphicsView>
+#include <QHostAddress>
 #include <QImage>
 #include <QLineEdit>
 #include <QMessageBox>
@@ -45,14 +46,15 @@ class tst_DemoHost : public QObject
     Q_OBJECT
     std::unique_ptr<QTemporaryDir> dir;
 
-    std::unique_ptr<HostWindow> makeHost(double errorRate, int units = 12)
+    std::unique_ptr<HostWindow> makeHost(
+        double errorRate, int units = 12, int scanPeriodMs = 200, int maxDelayMs = 10, int tickMs = 50)
     {
         HostWindow::Options options;
         options.units = units;
-        options.scanPeriodMs = 200;
+        options.scanPeriodMs = scanPeriodMs;
         options.topologyFile = dir->filePath(QStringLiteral("layout.json"));
         options.simulated = true;
-        options.network = {7, errorRate, 2, 10, 50};
+        options.network = {7, errorRate, qMin(2, maxDelayMs), maxDelayMs, tickMs};
         auto host = std::make_unique<HostWindow>(options);
         host->resize(1000, 700);
         host->show();
@@ -105,6 +107,49 @@ private slots:
         for (unsigned short key : keys)
             QVERIFY2(host->unit(key)->hasAnswered() == (key != silent), qPrintable(QString::number(key)));
         QCOMPARE(host->deviceMap()->getAlarmMap().value(silent), static_cast<Core::AlarmType>(4));
+    }
+
+    void passesReachEveryUnitAtScale()
+    {
+        // Passes of 80 units outlast twenty scan periods, after which they used to be cut short.
+        auto host = makeHost(0.0, 80, 10, 2, 5000);
+        const QList<unsigned short> keys = host->unitKeys();
+        const unsigned short silent = keys.last();
+        const unsigned short closed = keys.at(0);
+        host->network()->failNext(silent, 1000000);
+        host->deviceMap()->setSerialState(closed, false);
+        QTRY_VERIFY_WITH_TIMEOUT(host->passCount() >= 4, 30000);
+        QVERIFY(std::all_of(
+            keys.cbegin(), keys.cend(), [&](unsigned short key) { return host->pollCount(key) >= 3; }));
+        QVERIFY(host->lastPassLength() > 0 && host->statusText().contains(QLatin1String("last pass")));
+        const auto tip = [&](unsigned short key) { return host->scene()->getDeviceItem(key)->toolTip(); };
+        QTRY_VERIFY(host->unit(silent)->isStale() && tip(silent).contains(QLatin1String("never answered")));
+        QVERIFY(!host->unit(closed)->isMonitored() && tip(closed).contains(QLatin1String("not monitored")));
+        QCOMPARE(host->deviceMap()->getItemIndex(closed).data(Qt::ToolTipRole).toString(),
+            host->unit(closed)->monitoringNote());
+        QVERIFY(
+            !host->unit(keys.at(1))->isStale() && tip(keys.at(1)).contains(QLatin1String("last answered")));
+        host->deviceMap()->setSerialState(closed, true);
+        QTRY_VERIFY(
+            host->unit(closed)->isMonitored() && !tip(closed).contains(QLatin1String("not monitored")));
+
+        // Paused, a banner says so until its button resumes the scan.
+        host->findChild<QAction *>(QStringLiteral("actScan"))->setChecked(false);
+        auto *banner = host->findChild<QWidget *>(QStringLiteral("wgtScanPaused"));
+        QVERIFY(banner->isVisible() && !host->deviceMap()->scanInproccess());
+        const int paused = host->passCount();
+        banner->findChild<QPushButton *>()->click();
+        QVERIFY(!banner->isVisible() && host->passCount() == paused + 1);
+    }
+
+    void addressesStayUniqueUpToTheAgentLimit()
+    {
+        QSet<QString> addresses;
+        for (int i = 0; i < 5000; ++i) {
+            addresses.insert(UnitLayout::unitIp(i));
+            QVERIFY(!QHostAddress(UnitLayout::unitIp(i)).isNull());
+        }
+        QCOMPARE(addresses.size(), 5000);
     }
 
     void alarmsBlinkAndTrapsArrive()

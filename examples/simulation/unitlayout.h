@@ -202,14 +202,25 @@ inline unsigned short firmwareOf(int index)
 {
     return index == 5 ? 0x0204 : (index == 7 ? 0x0207 : 0x0105);
 }
-// The unit's own IP address, from the documentation networks for SNMP units.
+// The unit's own IP address, unique for every unit the demo agent allows
+// (5,000). The host and the agent both take it from here, so a trap's unit
+// is found by the address the host knows it under. Serial units are on
+// 10.1.0.0/16. SNMP units fill the three documentation networks first, 240
+// addresses each as numbered here; beyond those 720 units they go on in the
+// private 172.16.0.0/12, which is as unroutable and has room for all of them.
 inline QString unitIp(int index)
 {
     if (!isSnmpUnit(index))
         return QStringLiteral("10.1.%1.%2").arg(index / 250).arg(index % 250 + 1);
     static const char *const networks[] = {"192.0.2", "198.51.100", "203.0.113"};
     const int n = index / 2;
-    return QStringLiteral("%1.%2").arg(QLatin1String(networks[(n / 240) % 3])).arg(10 + n % 240);
+    if (n < 3 * 240)
+        return QStringLiteral("%1.%2").arg(QLatin1String(networks[n / 240])).arg(10 + n % 240);
+    const int beyond = n - 3 * 240;
+    return QStringLiteral("172.%1.%2.%3")
+        .arg(16 + beyond / (250 * 256))
+        .arg(beyond / 250 % 256)
+        .arg(beyond % 250 + 1);
 }
 
 // Model codes for device settings files.
