@@ -10,7 +10,14 @@ const QString trapOidName = QStringLiteral("1.3.6.1.6.3.1.1.4.1.0");
 const QString upTimeName = QStringLiteral("1.3.6.1.2.1.1.3.0");
 
 // The notifications of a demo unit, under productArc().0.
-enum Notification { NotifyColdStart = 1, NotifyPortDown = 2, NotifyPortUp = 3 };
+enum Notification {
+    NotifyColdStart = 1,
+    NotifyPortDown = 2,
+    NotifyPortUp = 3,
+    NotifyPowerFail = 4,
+    NotifyPowerBack = 5,
+    NotifyTemperature = 6 // crossed the threshold, either way
+};
 
 } // namespace
 
@@ -30,7 +37,7 @@ QHash<QString, QVariant> TrapWords::describe(const QHash<QString, QVariant> &var
             const QString value = it.value().toString();
             if (value.startsWith(notificationPrefix))
                 notification = value.mid(notificationPrefix.size()).toInt(&ok);
-            if (!ok || notification < NotifyColdStart || notification > NotifyPortUp) {
+            if (!ok || notification < NotifyColdStart || notification > NotifyTemperature) {
                 notification = 0;
                 event = value; // a notification this host does not know, by its OID
             }
@@ -56,6 +63,15 @@ QHash<QString, QVariant> TrapWords::describe(const QHash<QString, QVariant> &var
         break;
     case NotifyPortUp:
         event = tr("back in service");
+        break;
+    case NotifyPowerFail:
+        event = tr("power supply failed");
+        break;
+    case NotifyPowerBack:
+        event = tr("power supply restored");
+        break;
+    case NotifyTemperature:
+        event = tr("temperature crossed its threshold");
         break;
     default:
         // The port's state is the only word on what happened.

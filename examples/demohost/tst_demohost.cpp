@@ -187,6 +187,8 @@ private slots:
             {port + '2', PortLos + 1}} << "Event=loss of signal|Port=E1 2|Severity=Major";
         const QVariantHash restart {{trap, productArc() + ".0.1"}, {"1.3.6.1.2.1.1.3.0", 8640123}};
         QTest::newRow("restart") << restart << "Event=restarted|Severity=Minor|Up time=1 d 00:00:01";
+        QTest::newRow("power") << QVariantHash {{trap, productArc() + ".0.4"}}
+                               << "Event=power supply failed|Severity=Minor";
         QTest::newRow("unknown kept") << QVariantHash {{trap, "1.9"}, {port + '0', 2}}
                                       << "1.3.6.1.4.1.32473.7.3.2.2.0=2|Event=1.9|Severity=Minor";
     }
