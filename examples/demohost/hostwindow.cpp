@@ -300,8 +300,10 @@ QWidget *HostWindow::buildTrapPanel()
     connect(pbtClear, &QPushButton::clicked, this, &HostWindow::confirmClearTraps);
     lblTrapCount = new QLabel;
     lblTrapCount->setObjectName(QStringLiteral("lblTrapCount"));
+    // Queued: a full list takes its oldest row away only after the proxy has
+    // announced the new one, and the count must not show the moment between.
     for (auto signal : {&QAbstractItemModel::rowsInserted, &QAbstractItemModel::rowsRemoved})
-        connect(proxy, signal, this, &HostWindow::updateTrapCount);
+        connect(proxy, signal, this, &HostWindow::updateTrapCount, Qt::QueuedConnection);
     connect(proxy, &QAbstractItemModel::modelReset, this, &HostWindow::updateTrapCount);
     connect(proxy, &QAbstractItemModel::layoutChanged, this, &HostWindow::updateTrapCount);
     connect(leTrapFilter, &QLineEdit::textChanged, this, &HostWindow::updateTrapCount);
