@@ -175,6 +175,9 @@ HostWindow::~HostWindow()
     agent = nullptr;
     delete map;
     map = nullptr;
+    // The scene dies among this window's children and deselects its units on
+    // the way; this window is no HostWindow by then.
+    disconnect(topology, nullptr, this, nullptr);
 }
 
 void HostWindow::connectMap()
