@@ -969,8 +969,10 @@ QString DemoUnit::getFrontPanel()
         entries << QStringLiteral("9x1(rj45): %1,%2").arg(ethernetActivity() ? 1 : 0).arg(answered ? 1 : 0);
     else
         entries << QStringLiteral("8x1(db9): 0");
-    entries << QStringLiteral("7x2(progressbar): %1,4").arg(answered ? load() : 0) << panelTooltip()
-            << monitoringEntries();
+    entries << QStringLiteral("7x2(progressbar): %1,4").arg(answered ? load() : 0) << panelTooltip();
+    const QString mark = monitoringEntries();
+    if (!mark.isEmpty())
+        entries << mark;
     return entries.join(QLatin1Char(';'));
 }
 

@@ -87,7 +87,6 @@ private:
 
     Map *deviceMap() const { return map; }
     HostScene *scene() const { return topology; }
-    DeviceGraphicsView *topologyView() const { return view; }
     // Null unless the units are simulated.
     SimulatedNetwork *network() const { return simulatedNetwork; }
     TrapVisual *trapList() const { return traps; }

@@ -332,7 +332,7 @@ private slots:
             auto host = makeHost(0.0);
             keys = host->unitKeys();
             // A first start shows every unit, and no default link passes under a third unit.
-            QGraphicsView *view = host->topologyView();
+            QGraphicsView *view = host->view;
             QTRY_VERIFY(view->mapToScene(view->viewport()->rect())
                             .boundingRect()
                             .contains(host->scene()->itemsBoundingRect()));
@@ -352,18 +352,17 @@ private slots:
         const auto links = host->scene()->getArrowLinkList();
         QVERIFY(links.contains(qMakePair(keys.at(11), keys.at(0))));
         QCOMPARE(links.size(), 12); // 11 first-start links and the one drawn
-        QTRY_COMPARE(host->topologyView()->transform().m11(), 2.0);
-        QVERIFY(host->topologyView()
-                    ->mapToScene(host->topologyView()->viewport()->rect())
+        QTRY_COMPARE(host->view->transform().m11(), 2.0);
+        QVERIFY(host->view->mapToScene(host->view->viewport()->rect())
                     .boundingRect()
                     .contains(host->scene()->getDeviceItem(keys.at(5))->sceneBoundingRect().center()));
 
         // A link drawn again with the mouse, the other way round, is refused.
         QSignalSpy refused(host->scene(), &HostScene::linkRefused);
         host->scene()->setInsertMode(DeviceScene::LinkMode);
-        QWidget *viewport = host->topologyView()->viewport();
+        QWidget *viewport = host->view->viewport();
         auto at = [&](int i) {
-            return host->topologyView()->mapFromScene(
+            return host->view->mapFromScene(
                 host->scene()->getDeviceItem(keys.at(i))->sceneBoundingRect().center());
         };
         auto send = [&](QEvent::Type type, int i, Qt::MouseButton button, Qt::MouseButtons buttons) {
